@@ -1,0 +1,30 @@
+# Flags that every target of the project is built with: qzoci_build_flags(<target>).
+
+add_library(qzoci_build_flags INTERFACE)
+if(QZOCI_DEVELOPER_MODE)
+    target_compile_options(
+        qzoci_build_flags
+        INTERFACE -Wall
+                  -Wextra
+                  -Wpedantic
+                  -Wconversion
+                  -Wshadow
+                  -Wundef
+                  -Werror)
+endif()
+if(QZOCI_SANITIZE)
+    target_compile_options(
+        qzoci_build_flags INTERFACE -fsanitize=${QZOCI_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(qzoci_build_flags INTERFACE -fsanitize=${QZOCI_SANITIZE})
+endif()
+if(QZOCI_COVERAGE)
+    target_compile_options(qzoci_build_flags INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(qzoci_build_flags INTERFACE --coverage)
+endif()
+
+# __FILE__ is the path below the project's root, whatever the build folder.
+target_compile_options(qzoci_build_flags INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+function(qzoci_build_flags target)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:qzoci_build_flags>)
+endfunction()
