@@ -1,0 +1,26 @@
+/* qzoci::expected: a value or an error. std::expected where the library has it, its Debian-packaged
+ * forerunner elsewhere; both are used through their common part. */
+#ifndef QZOCI_EXPECTED_HPP
+#define QZOCI_EXPECTED_HPP
+
+#include <version>
+
+#if defined(__cpp_lib_expected)
+#include <expected>
+#else
+#include <tl/expected.hpp>
+#endif
+
+namespace qzoci {
+
+#if defined(__cpp_lib_expected)
+using std::expected;
+using std::unexpected;
+#else
+using tl::expected;
+using tl::unexpected;
+#endif
+
+} // namespace qzoci
+
+#endif /* QZOCI_EXPECTED_HPP */
