@@ -22,7 +22,7 @@ if(QZOCI_COVERAGE)
     target_link_options(qzoci_build_flags INTERFACE --coverage)
 endif()
 
-# __FILE__ is the path below the project's root, whatever the build folder.
+# __FILE__ is the path below the project's root, whatever the build folder and whoever includes the project.
 target_compile_options(qzoci_build_flags INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 function(qzoci_build_flags target)
