@@ -4,16 +4,18 @@
  * records, and packs the result back. This is the one header a host includes.
  *
  * Contract of every operation, unless it says otherwise:
- *   - Operands come first and are only read; the result record comes last and is overwritten whole. Its former
- *     contents do not matter. It may be the same record as any operand.
+ *   - Operands come first and are only read; the result record comes last and is overwritten whole. Its
+ *     former contents do not matter. It may be the same record as any operand.
  *   - Returns OCI_SUCCESS (0), OCI_ERROR (-1: a value, see the operation) or OCI_INVALID_HANDLE (-2: a null
  *     pointer). On a status other than OCI_SUCCESS the result record is as it was.
  *   - A result too large for the record is an infinity with the sign of the exact result, and OCI_SUCCESS.
- *   - No heap, no global state, no exceptions, no locks. Any number of threads may call at once, each on result
- *     records of its own; operands may be shared. The logging function (oci_log.h) must allow the same.
- *   - Any bytes and any record are accepted: malformed ones end in a status, never outside memory or without end.
- *   - Some results are deliberately not the mathematical ones (4 / 2.03 is the shortest example). They are part of
- *     the interface: callers compare digits with results computed years ago. */
+ *   - No heap, no global state, no exceptions, no locks. Any number of threads may call at once, each on
+ *     result records of its own; operands may be shared. The logging function (oci_log.h) must allow the
+ *     same.
+ *   - Any bytes and any record are accepted: malformed ones end in a status, never outside memory or without
+ *     end.
+ *   - Some results are deliberately not the mathematical ones (4 / 2.03 is the shortest example). They are
+ *     part of the interface: callers compare digits with results computed years ago. */
 #ifndef QZOCI_OCI_CALC_NUMBER_H
 #define QZOCI_OCI_CALC_NUMBER_H
 
@@ -42,13 +44,14 @@ extern "C" {
  *     value = num_signed * sum of data_part[i] * 100000000^(19 - i)
  *
  * Normal form, as QZCICalcNumInit leaves it:
- *   1. start_pos and end_pos are the first and last index with a non-zero limb; both -1 when all limbs are zero.
+ *   1. start_pos and end_pos are the first and last index with a non-zero limb; both -1 when all limbs are
+ *      zero.
  *   2. is_zero is 1 exactly when all limbs are zero and num_infinity is 0.
  *   3. An infinity has all limbs zero, start_pos = end_pos = -1, is_zero 0, its sign in num_signed.
  *   4. num_signed is 1 or -1. A zero keeps the sign it had; no test for zero looks at it. (QZCICalcNumToZero
  *      alone leaves sign 0, and copies keep it.)
- * Limbs are 0..99999999. A division whose divisor has several limbs can leave larger ones (see QZCICalcNumDiv);
- * later operations take them as they stand. */
+ * Limbs are 0..99999999. A division whose divisor has several limbs can leave larger ones (see
+ * QZCICalcNumDiv); later operations take them as they stand. */
 typedef struct QZCICalcNumber {
     ub4 data_part[QZCI_CALC_LIMBS]; /* limbs, base 10^8, most significant first */
     sb1 num_signed;                 /* 1 or -1; 0 only from QZCICalcNumToZero */
@@ -66,8 +69,8 @@ QZOCI_API void initNullValue(QZCICalcNumber* num);
 /* Sets the record to the integer data, exactly; any value. Null: nothing. No trace. */
 QZOCI_API void initCalcNumberFromInt(QZCICalcNumber* num, sb8 data);
 
-/* Brings the fields into normal form from limbs, sign and infinity flag. Clears the limbs of an infinity; a sign
- * other than -1 becomes 1. Null: nothing. No trace. */
+/* Brings the fields into normal form from limbs, sign and infinity flag. Clears the limbs of an infinity; a
+ * sign other than -1 becomes 1. Null: nothing. No trace. */
 QZOCI_API void QZCICalcNumInit(QZCICalcNumber* num);
 
 /* Copies num into opt as it stands, without normalising. */
@@ -103,45 +106,49 @@ QZOCI_API sb1 QZCICalcNumCompare(const QZCICalcNumber* num1, const QZCICalcNumbe
 /* Compares magnitudes. */
 QZOCI_API sb1 QZCICalcNumAbsCompare(const QZCICalcNumber* num1, const QZCICalcNumber* num2);
 
-/* Compares magnitudes; differs from QZCICalcNumAbsCompare only in returning the infinity flag's own value (negated
- * for the second operand) when one operand is infinite. */
+/* Compares magnitudes; differs from QZCICalcNumAbsCompare only in returning the infinity flag's own value
+ * (negated for the second operand) when one operand is infinite. */
 QZOCI_API sb1 QZCICalcNumCompareAbs(const QZCICalcNumber* num1, const QZCICalcNumber* num2);
 
 /* ---- Stored form and rounding ---- */
 
 /* Unpacks a stored number. Mantissa bytes are not validated: those outside the format give limbs outside
- * 0..99999999. Digits below 10^-160 are dropped. OCI_ERROR: length byte 0 or above 21; num is then as it was. */
+ * 0..99999999. Digits below 10^-160 are dropped. OCI_ERROR: length byte 0 or above 21; num is then as it
+ * was. */
 QZOCI_API sword QZCICalcNumFromNumber(QZCICalcNumber* num, const OCINumber* number);
 
-/* Packs a record, rounded half-up in magnitude to 20 base-100 pairs. Too large: an infinity; too small: zero (the
- * smallest magnitude kept is 100^-64 for positive and 100^-65 for negative numbers). A rounding carry out of all 20
- * pairs at base-100 exponent 62 wraps the exponent byte. Bytes after the length are left as they were. */
+/* Packs a record, rounded half-up in magnitude to 20 base-100 pairs. Too large: an infinity; too small: zero
+ * (the smallest magnitude kept is 100^-64 for positive and 100^-65 for negative numbers). A rounding carry
+ * out of all 20 pairs at base-100 exponent 62 wraps the exponent byte. Bytes after the length are left as
+ * they were. */
 QZOCI_API sword QZCICalcNumToNumber(const QZCICalcNumber* nump, OCINumber* number);
 
 /* Truncates toward zero to an integer, in place. A value in (-1, 0) becomes a zero with sign -1. */
 QZOCI_API sword QZCICalcNumToRound(QZCICalcNumber* num);
 
-/* Writes the limbs as diagnostic text ("1,.50000000,"); not a number formatter. buf has room for buf_len bytes.
- * A zero writes the one byte '0' and no terminator; an infinity writes "inf" padded with NUL to buf_len, negative
- * ones too ("-inf" only for a sign byte of 0). OCI_ERROR: buf too small for the text and its terminator; buf is
- * then untouched. OCI_INVALID_HANDLE: also for buf_len below the number of significant limbs + 1. */
+/* Writes the limbs as diagnostic text ("1,.50000000,"); not a number formatter. buf has room for buf_len
+ * bytes. A zero writes the one byte '0' and no terminator; an infinity writes "inf" padded with NUL to
+ * buf_len, negative ones too ("-inf" only for a sign byte of 0). OCI_ERROR: buf too small for the text and
+ * its terminator; buf is then untouched. OCI_INVALID_HANDLE: also for buf_len below the number of significant
+ * limbs + 1. */
 QZOCI_API sword QZCICalcNumToStr(const QZCICalcNumber* num, char* buf, size_t buf_len);
 
 /* ---- Arithmetic ---- */
 
-/* sump = augend + addend. A carry into limb 0 counts as overflow: the sum becomes infinite, and a line goes to
- * standard output. (+inf) + (-inf) is 0, (-inf) + (+inf) is -inf. OCI_ERROR: a non-zero operand's sign byte is
- * neither 1 nor -1. */
-QZOCI_API sword QZCICalcNumAdd(const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump);
+/* sump = augend + addend. A carry into limb 0 counts as overflow: the sum becomes infinite, and a line goes
+ * to standard output. (+inf) + (-inf) is 0, (-inf) + (+inf) is -inf. OCI_ERROR: a non-zero operand's sign
+ * byte is neither 1 nor -1. */
+QZOCI_API sword QZCICalcNumAdd(const QZCICalcNumber* augend, const QZCICalcNumber* addend,
+                               QZCICalcNumber* sump);
 
 /* remainderp = minuend - subtrahend. x - x is a zero with the sign opposite to x's. (+inf) - (+inf) is 0,
  * (-inf) - (-inf) is -inf. OCI_ERROR: as for QZCICalcNumAdd. */
 QZOCI_API sword QZCICalcNumSub(const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
                                QZCICalcNumber* remainderp);
 
-/* productp = multiplicand * multiplier, rounded half-up by the first dropped limb; a last limb of 99999999 rounds up
- * to 1 without a carry. Zero times infinity is zero. A product below 10^168 that starts above limb 0 can lose its top
- * limb instead of becoming infinite. */
+/* productp = multiplicand * multiplier, rounded half-up by the first dropped limb; a last limb of 99999999
+ * rounds up to 1 without a carry. Zero times infinity is zero. A product below 10^168 that starts above limb
+ * 0 can lose its top limb instead of becoming infinite. */
 QZOCI_API sword QZCICalcNumMul(const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
                                QZCICalcNumber* productp);
 
@@ -150,25 +157,27 @@ QZOCI_API sword QZCICalcNumMulWhitInterge(const QZCICalcNumber* multiplicand, ub
                                           QZCICalcNumber* productp);
 
 /* resultp = dividend / divisor, rounded half-up by the first dropped limb; writes no exit trace.
- * Divisors of two significant limbs use an unrefined trial digit and a single add-back, and the step that scales
- * operands and trial products keeps a limb of exactly 100000000: some quotients are therefore not the mathematical
- * ones and hold limbs above 99999999. A quotient whose leading limb would land in limb 0 is infinite.
- * OCI_ERROR: the divisor is zero. */
+ * Divisors of two significant limbs use an unrefined trial digit and a single add-back, and the step that
+ * scales operands and trial products keeps a limb of exactly 100000000: some quotients are therefore not the
+ * mathematical ones and hold limbs above 99999999. A quotient whose leading limb would land in limb 0 is
+ * infinite. OCI_ERROR: the divisor is zero. */
 QZOCI_API sword QZCICalcNumDiv(const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
                                QZCICalcNumber* resultp);
 
-/* resultp = dividend / divisor for a divisor with one significant limb, rounded up only above 50000000 in the first
- * dropped limb. Precondition: both finite and non-zero, divisor start_pos = end_pos; QZCICalcNumDiv sees to it. */
+/* resultp = dividend / divisor for a divisor with one significant limb, rounded up only above 50000000 in the
+ * first dropped limb. Precondition: both finite and non-zero, divisor start_pos = end_pos; QZCICalcNumDiv
+ * sees to it. */
 QZOCI_API sword QZCICaclNumDivOneDivisor(const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
                                          QZCICalcNumber* resultp);
 
-/* resultp = remainder of dividend by a divisor with one significant limb, exact, with the dividend's sign. No entry
- * trace. Precondition: as for QZCICaclNumDivOneDivisor; QZCICalcNumMod sees to it. */
+/* resultp = remainder of dividend by a divisor with one significant limb, exact, with the dividend's sign. No
+ * entry trace. Precondition: as for QZCICaclNumDivOneDivisor; QZCICalcNumMod sees to it. */
 QZOCI_API sword QZCICaclNumModOneDivsor(const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
                                         QZCICalcNumber* resultp);
 
-/* resultp = remainder of the truncating division modend / modor, with modend's sign. An infinite modend gives zero.
- * Exact, save where the long division of QZCICalcNumDiv departs from mathematics. OCI_ERROR: modor is zero. */
+/* resultp = remainder of the truncating division modend / modor, with modend's sign. An infinite modend gives
+ * zero. Exact, save where the long division of QZCICalcNumDiv departs from mathematics. OCI_ERROR: modor is
+ * zero. */
 QZOCI_API sword QZCICalcNumMod(const QZCICalcNumber* modend, const QZCICalcNumber* modor,
                                QZCICalcNumber* resultp);
 

@@ -1,5 +1,5 @@
-/* Addition to floor, with the trace value handed inward. Each function is the public operation of the same name;
- * contracts stand in oci_calc_number.h. */
+/* Addition to floor, with the trace value handed inward. Each function is the public operation of the same
+ * name; contracts stand in oci_calc_number.h. */
 #ifndef QZOCI_OCI_CALC_NUMBER_ARITHMETIC_H
 #define QZOCI_OCI_CALC_NUMBER_ARITHMETIC_H
 
@@ -8,11 +8,15 @@
 namespace qzoci::engine {
 
 sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump);
-sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend, QZCICalcNumber* remainderp);
-sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier, QZCICalcNumber* productp);
+sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
+          QZCICalcNumber* remainderp);
+sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
+          QZCICalcNumber* productp);
 sword mul_integer(Trace t, const QZCICalcNumber* multiplicand, ub4 multiplier, QZCICalcNumber* productp);
-sword div_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor, QZCICalcNumber* resultp);
-sword mod_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor, QZCICalcNumber* resultp);
+sword div_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
+                   QZCICalcNumber* resultp);
+sword mod_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
+                   QZCICalcNumber* resultp);
 sword div(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor, QZCICalcNumber* resultp);
 sword mod(Trace t, const QZCICalcNumber* modend, const QZCICalcNumber* modor, QZCICalcNumber* resultp);
 sword ceil(Trace t, const QZCICalcNumber* number, QZCICalcNumber* result);

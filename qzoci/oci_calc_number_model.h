@@ -1,5 +1,5 @@
-/* The record, its normal form, constants, comparisons, stored form in and out, rounding and text, with the trace
- * value handed inward. Each function is the public operation of the same name; contracts stand in
+/* The record, its normal form, constants, comparisons, stored form in and out, rounding and text, with the
+ * trace value handed inward. Each function is the public operation of the same name; contracts stand in
  * oci_calc_number.h. */
 #ifndef QZOCI_OCI_CALC_NUMBER_MODEL_H
 #define QZOCI_OCI_CALC_NUMBER_MODEL_H
