@@ -7,6 +7,8 @@
 #include <qzoci/expected.hpp>
 #include <qzoci/text_error.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -20,10 +22,81 @@ constexpr expected<OCINumber, text_error> parse_hex(std::string_view text);
 
 /* The length byte and the bytes it counts, lower case, without 0x; all 22 when the length byte is above 21.
  */
-std::string format_hex(const OCINumber& number);
+inline std::string format_hex(const OCINumber& number);
 
 /* All 22 bytes, lower case, without 0x. */
-std::string format_hex_all(const OCINumber& number);
+inline std::string format_hex_all(const OCINumber& number);
+
+/* ---- Definitions ---- */
+
+namespace detail {
+
+/* The value of a hex digit; -1 for any other character. */
+constexpr int hex_digit_value(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (c >= 'a' && c <= 'f') {
+        return c - 'a' + 10;
+    }
+    if (c >= 'A' && c <= 'F') {
+        return c - 'A' + 10;
+    }
+    return -1;
+}
+
+/* Bytes that a stored number with this length byte needs. */
+constexpr std::size_t significant_size(ub1 length) {
+    return std::min<std::size_t>(std::size_t{length} + 1, QZOCI_NUMBER_SIZE);
+}
+
+inline std::string hex_of_bytes(const OCINumber& number, std::size_t count) {
+    constexpr std::string_view hex_digits = "0123456789abcdef";
+    std::string text;
+    text.reserve(2 * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += hex_digits[number.OCINumberPart[i] >> 4U];
+        text += hex_digits[number.OCINumberPart[i] & 15U];
+    }
+    return text;
+}
+
+} // namespace detail
+
+constexpr expected<OCINumber, text_error> parse_hex(std::string_view text) {
+    const std::size_t begin = text.starts_with("0x") || text.starts_with("0X") ? 2 : 0;
+    const std::size_t digits = text.size() - begin;
+    OCINumber number{};
+    for (std::size_t i = 0; i < digits; ++i) {
+        const int value = detail::hex_digit_value(text[begin + i]);
+        if (value < 0) {
+            return unexpected(text_error{begin + i, text_fault::hex_digit_expected});
+        }
+        if (i / 2 == QZOCI_NUMBER_SIZE) {
+            return unexpected(text_error{begin + i, text_fault::too_many_bytes});
+        }
+        ub1& byte = number.OCINumberPart[i / 2];
+        byte = static_cast<ub1>(byte * 16 + value);
+    }
+    if (digits == 0) {
+        return unexpected(text_error{text.size(), text_fault::hex_digit_expected});
+    }
+    if (digits % 2 != 0) {
+        return unexpected(text_error{text.size(), text_fault::half_byte});
+    }
+    if (digits / 2 < detail::significant_size(number.OCINumberPart[0])) {
+        return unexpected(text_error{text.size(), text_fault::fewer_bytes_than_length});
+    }
+    return number;
+}
+
+inline std::string format_hex(const OCINumber& number) {
+    return detail::hex_of_bytes(number, detail::significant_size(number.OCINumberPart[0]));
+}
+
+inline std::string format_hex_all(const OCINumber& number) {
+    return detail::hex_of_bytes(number, QZOCI_NUMBER_SIZE);
+}
 
 } // namespace qzoci
 

@@ -19,14 +19,14 @@ namespace qzoci {
 
 enum class number_fault : std::uint8_t {
     length,                /* the length byte is 0 or above 21 */
-    pair_missing,          /* no digit pair after the exponent byte of a number */
+    pair_missing,          /* the end or the terminator where the first digit pair would stand */
     pair_out_of_range,     /* a mantissa byte outside 1..100 (positive) or 2..101 (negative) */
     terminator_missing,    /* the last byte of a negative number of fewer than 20 pairs is not 102 */
     bytes_after_terminator /* the terminator 102 is not the last byte */
 };
 
 struct number_error {
-    std::size_t offset; /* of the first bad byte, 0..21; for pair_missing, where the first pair would stand */
+    std::size_t offset; /* of the first bad byte, 0..21; 2 for pair_missing */
     number_fault fault;
 
     friend constexpr bool operator==(const number_error&, const number_error&) = default;
@@ -36,7 +36,7 @@ struct number_error {
 enum class number_note_kind : std::uint8_t {
     zero_with_mantissa, /* exponent byte 128 and a length above 1; not canonical */
     leading_zero_pair,  /* not canonical */
-    trailing_zero_pair, /* not canonical; the engine itself leaves some in rounded negative numbers */
+    trailing_zero_pair, /* behind a non-zero pair; not canonical, but rounded negative numbers have them */
     pair_below_record   /* a non-zero pair below 100^-80: part of the value, but dropped on unpacking */
 };
 
@@ -73,8 +73,8 @@ constexpr std::string_view describe(number_fault fault);
 constexpr std::string_view describe(number_note_kind kind);
 
 /* In words, offsets from 0: "byte 2: digit pair out of range". */
-std::string message(const number_error& error);
-std::string message(const number_note& note);
+inline std::string message(const number_error& error);
+inline std::string message(const number_note& note);
 
 /* ---- Every byte by name ---- */
 
@@ -116,7 +116,257 @@ constexpr number_layout layout_of(const OCINumber& number);
 
 /* One byte of a layout in words: "length: 2 bytes follow", "pair 45 * 100^-1", "terminator". Precondition:
  * offset below 22. */
-std::string describe(const number_layout& layout, std::size_t offset);
+inline std::string describe(const number_layout& layout, std::size_t offset);
+
+/* ---- Definitions ---- */
+
+namespace detail {
+
+inline constexpr int max_length = QZOCI_NUMBER_SIZE - 1;
+inline constexpr int first_pair_offset = 2;
+inline constexpr int max_pairs = QZOCI_NUMBER_SIZE - first_pair_offset;
+inline constexpr int zero_exponent_byte = 128;
+inline constexpr int infinity_mark_byte = 101;
+inline constexpr int terminator_byte = 102;
+/* Base-100 exponent of the last pair of a record. */
+inline constexpr int lowest_record_weight = -80;
+
+constexpr number_kind kind_of(const OCINumber& number) {
+    const auto& bytes = number.OCINumberPart;
+    const int length = bytes[0];
+    const int exponent_byte = bytes[1];
+    if (length < 1 || length > max_length) {
+        return number_kind::bad_length;
+    }
+    if (length == 2 && exponent_byte == 255 && bytes[2] == infinity_mark_byte) {
+        return number_kind::positive_infinity;
+    }
+    if (length == 1 && exponent_byte == 0) {
+        return number_kind::negative_infinity;
+    }
+    if (exponent_byte == zero_exponent_byte) {
+        return number_kind::zero;
+    }
+    return exponent_byte > zero_exponent_byte ? number_kind::positive : number_kind::negative;
+}
+
+constexpr bool has_pairs(number_kind kind) {
+    return kind == number_kind::positive || kind == number_kind::negative;
+}
+
+/* Whether the last byte that the length of a negative number counts is its terminator and not a 20th pair. */
+constexpr bool ends_in_terminator(const OCINumber& number) {
+    const int length = number.OCINumberPart[0];
+    return length < max_length || number.OCINumberPart[max_length] == terminator_byte;
+}
+
+constexpr number_byte pair_byte(bool negative, ub1 value, int weight) {
+    const int pair = negative ? 101 - value : value - 1;
+    return {byte_role::pair, value, pair < 0 || pair > 99, pair, weight};
+}
+
+/* Gives bytes 2..length of a positive or negative number their roles. */
+constexpr void lay_out_mantissa(const OCINumber& number, number_layout& layout) {
+    const auto& bytes = number.OCINumberPart;
+    const int length = bytes[0];
+    const bool negative = layout.kind == number_kind::negative;
+    const bool terminated = negative && ends_in_terminator(number);
+    for (int offset = first_pair_offset; offset <= length; ++offset) {
+        number_byte& byte = layout.bytes[static_cast<std::size_t>(offset)];
+        if (terminated && offset == length) {
+            byte.role = byte_role::terminator;
+            byte.malformed = byte.value != terminator_byte;
+        } else {
+            byte = pair_byte(negative, byte.value, layout.exponent - (offset - first_pair_offset));
+        }
+    }
+}
+
+/* The pairs of a layout, from offset 2 on: a positive or negative number has them side by side. */
+constexpr std::size_t pair_count(const number_layout& layout) {
+    std::size_t count = 0;
+    for (const number_byte& byte : layout.bytes) {
+        count += byte.role == byte_role::pair ? 1U : 0U;
+    }
+    return count;
+}
+
+constexpr number_notes notes_of_pairs(const number_layout& layout) {
+    number_notes notes;
+    const std::size_t end = first_pair_offset + pair_count(layout);
+    if (layout.bytes[first_pair_offset].pair == 0) {
+        notes.add({first_pair_offset, number_note_kind::leading_zero_pair});
+    }
+    std::size_t trailing = end;
+    while (trailing > first_pair_offset && layout.bytes[trailing - 1].pair == 0) {
+        --trailing;
+    }
+    if (trailing > first_pair_offset && trailing < end) {
+        notes.add({trailing, number_note_kind::trailing_zero_pair});
+    }
+    for (std::size_t offset = first_pair_offset; offset < end; ++offset) {
+        const number_byte& byte = layout.bytes[offset];
+        if (byte.pair != 0 && byte.weight < lowest_record_weight) {
+            notes.add({offset, number_note_kind::pair_below_record});
+            break;
+        }
+    }
+    return notes;
+}
+
+/* The fault of a malformed mantissa byte: where a terminator stands too early, the byte after it is the bad
+ * one. */
+constexpr number_error mantissa_error(const number_layout& layout, std::size_t offset) {
+    const number_byte& byte = layout.bytes[offset];
+    if (byte.role == byte_role::terminator) {
+        return {offset, number_fault::terminator_missing};
+    }
+    if (layout.kind == number_kind::negative && byte.value == terminator_byte) {
+        return {offset + 1, number_fault::bytes_after_terminator};
+    }
+    return {offset, number_fault::pair_out_of_range};
+}
+
+constexpr expected<number_notes, number_error> validate_pairs(const number_layout& layout) {
+    const number_byte& first = layout.bytes[first_pair_offset];
+    const bool ended = first.role == byte_role::ignored;
+    const bool terminated = layout.kind == number_kind::negative && first.value == terminator_byte;
+    if (ended || terminated) {
+        return unexpected(number_error{first_pair_offset, number_fault::pair_missing});
+    }
+    for (std::size_t offset = first_pair_offset; offset < layout.bytes.size(); ++offset) {
+        if (layout.bytes[offset].malformed) {
+            return unexpected(mantissa_error(layout, offset));
+        }
+    }
+    return notes_of_pairs(layout);
+}
+
+inline std::string describe_exponent(const number_layout& layout) {
+    switch (layout.kind) {
+    case number_kind::zero:
+        return "exponent byte: zero";
+    case number_kind::positive_infinity:
+        return "exponent byte: positive infinity";
+    case number_kind::negative_infinity:
+        return "exponent byte: negative infinity";
+    case number_kind::positive:
+        return "exponent byte: positive, first pair * 100^" + std::to_string(layout.exponent);
+    case number_kind::negative:
+        return "exponent byte: negative, first pair * 100^" + std::to_string(layout.exponent);
+    case number_kind::bad_length:
+        break;
+    }
+    return "ignored";
+}
+
+inline std::string describe_pair(const number_byte& byte) {
+    std::string text = "pair ";
+    text += byte.pair >= 0 && byte.pair < 10 ? "0" : "";
+    text += std::to_string(byte.pair) + " * 100^" + std::to_string(byte.weight);
+    text += byte.malformed ? ", malformed" : "";
+    text += byte.weight < lowest_record_weight ? ", dropped on unpacking" : "";
+    return text;
+}
+
+} // namespace detail
+
+constexpr number_layout layout_of(const OCINumber& number) {
+    const number_kind kind = detail::kind_of(number);
+    const int exponent_byte = number.OCINumberPart[1];
+    number_layout layout{kind, 0, {}};
+    for (std::size_t offset = 0; offset < layout.bytes.size(); ++offset) {
+        layout.bytes[offset] = {byte_role::ignored, number.OCINumberPart[offset], false, 0, 0};
+    }
+    layout.bytes[0].role = byte_role::length;
+    layout.bytes[0].malformed = kind == number_kind::bad_length;
+    if (kind == number_kind::bad_length) {
+        return layout;
+    }
+    layout.bytes[1].role = byte_role::exponent;
+    if (kind == number_kind::positive_infinity) {
+        layout.bytes[2].role = byte_role::infinity_mark;
+    }
+    if (detail::has_pairs(kind)) {
+        layout.exponent = kind == number_kind::positive ? exponent_byte - 193 : 62 - exponent_byte;
+        detail::lay_out_mantissa(number, layout);
+    }
+    return layout;
+}
+
+constexpr expected<number_notes, number_error> validate(const OCINumber& number) {
+    const number_layout layout = layout_of(number);
+    if (layout.kind == number_kind::bad_length) {
+        return unexpected(number_error{0, number_fault::length});
+    }
+    if (detail::has_pairs(layout.kind)) {
+        return detail::validate_pairs(layout);
+    }
+    number_notes notes;
+    if (layout.kind == number_kind::zero && number.OCINumberPart[0] > 1) {
+        notes.add({detail::first_pair_offset, number_note_kind::zero_with_mantissa});
+    }
+    return notes;
+}
+
+constexpr std::string_view describe(number_fault fault) {
+    switch (fault) {
+    case number_fault::length:
+        return "length outside 1..21";
+    case number_fault::pair_missing:
+        return "digit pair missing";
+    case number_fault::pair_out_of_range:
+        return "digit pair out of range";
+    case number_fault::terminator_missing:
+        return "terminator 102 missing";
+    case number_fault::bytes_after_terminator:
+        return "byte after the terminator";
+    }
+    return "unknown fault";
+}
+
+constexpr std::string_view describe(number_note_kind kind) {
+    switch (kind) {
+    case number_note_kind::zero_with_mantissa:
+        return "bytes after the exponent byte of a zero";
+    case number_note_kind::leading_zero_pair:
+        return "leading 00 pair";
+    case number_note_kind::trailing_zero_pair:
+        return "trailing 00 pair";
+    case number_note_kind::pair_below_record:
+        return "digits below 10^-160, dropped on unpacking";
+    }
+    return "unknown note";
+}
+
+inline std::string message(const number_error& error) {
+    return "byte " + std::to_string(error.offset) + ": " + std::string(describe(error.fault));
+}
+
+inline std::string message(const number_note& note) {
+    return "byte " + std::to_string(note.offset) + ": " + std::string(describe(note.kind));
+}
+
+inline std::string describe(const number_layout& layout, std::size_t offset) {
+    const number_byte& byte = layout.bytes[offset];
+    switch (byte.role) {
+    case byte_role::length:
+        return byte.malformed ? std::string(describe(number_fault::length))
+                              : "length: " + std::to_string(byte.value) +
+                                    (byte.value == 1 ? " byte follows" : " bytes follow");
+    case byte_role::exponent:
+        return detail::describe_exponent(layout);
+    case byte_role::infinity_mark:
+        return "mark of the infinity";
+    case byte_role::pair:
+        return detail::describe_pair(byte);
+    case byte_role::terminator:
+        return byte.malformed ? "skipped, terminator 102 missing" : "terminator";
+    case byte_role::ignored:
+        break;
+    }
+    return "ignored";
+}
 
 } // namespace qzoci
 

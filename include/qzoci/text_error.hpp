@@ -33,7 +33,39 @@ struct text_error {
 constexpr std::string_view describe(text_fault fault);
 
 /* The error in words, positions from 0: "at position 3: digit expected". */
-std::string message(const text_error& error);
+inline std::string message(const text_error& error);
+
+/* ---- Definitions ---- */
+
+constexpr std::string_view describe(text_fault fault) {
+    switch (fault) {
+    case text_fault::number_expected:
+        return "number expected";
+    case text_fault::digit_expected:
+        return "digit expected";
+    case text_fault::exponent_digit_expected:
+        return "digit of the exponent expected";
+    case text_fault::trailing_characters:
+        return "characters after the number";
+    case text_fault::digit_too_high:
+        return "digit at or above 10^160, too large";
+    case text_fault::digit_too_low:
+        return "digit below 10^-160, too small";
+    case text_fault::hex_digit_expected:
+        return "hex digit expected";
+    case text_fault::half_byte:
+        return "second hex digit of the byte expected";
+    case text_fault::too_many_bytes:
+        return "more than 22 bytes";
+    case text_fault::fewer_bytes_than_length:
+        return "fewer bytes than the length byte promises";
+    }
+    return "unknown fault";
+}
+
+inline std::string message(const text_error& error) {
+    return "at position " + std::to_string(error.position) + ": " + std::string(describe(error.fault));
+}
 
 } // namespace qzoci
 
