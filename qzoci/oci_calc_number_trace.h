@@ -10,7 +10,8 @@
 namespace qzoci::engine {
 
 /* Decided once per public call and handed inward to every operation called.
- * Invariant: fast implies !lines. {false, false} is the plain side without lines, which tests compare with. */
+ * Invariant: fast implies !lines. {false, false} is the plain side without lines, which tests compare with.
+ */
 struct Trace {
     bool lines; /* write debug lines */
     bool fast;  /* fast kernels may finish a stretch of the laid-down steps */
@@ -29,21 +30,25 @@ inline const void* ptr(const void* p) {
 } // namespace qzoci::engine
 
 /* Macros, so that each line carries the place that writes it. */
-#define QZOCI_DEBUG(trace, ...)                                                                                  \
-    do {                                                                                                         \
-        if ((trace).lines) {                                                                                     \
-            qzoci_log_inner(LOG_LEVEL_DEBUG, __FILE__, __LINE__, __VA_ARGS__);                                   \
-        }                                                                                                        \
+#define QZOCI_DEBUG(trace, ...)                                                                              \
+    do {                                                                                                     \
+        if ((trace).lines) {                                                                                 \
+            qzoci_log_inner(LOG_LEVEL_DEBUG, __FILE__, __LINE__, __VA_ARGS__);                               \
+        }                                                                                                    \
     } while (false)
 
 #define QZOCI_ERROR(...) qzoci_log_inner(LOG_LEVEL_ERROR, __FILE__, __LINE__, __VA_ARGS__)
 
+/* The line of every step that a malformed record makes impossible: a position outside the limbs that the step
+ * would index with, or limbs above 99999999 that would make it divide by zero or leave its array. */
+#define QZOCI_MALFORMED(name) QZOCI_ERROR("%s get a malformed record", name)
+
 /* Writes the exit trace and returns the status. */
-#define QZOCI_LEAVE(trace, name, status)                                                                         \
-    do {                                                                                                         \
-        const sword qzoci_status = (status);                                                                     \
-        QZOCI_DEBUG(trace, "function %s return with status %d", name, qzoci_status);                             \
-        return qzoci_status;                                                                                     \
+#define QZOCI_LEAVE(trace, name, status)                                                                     \
+    do {                                                                                                     \
+        const sword qzoci_status = (status);                                                                 \
+        QZOCI_DEBUG(trace, "function %s return with status %d", name, qzoci_status);                         \
+        return qzoci_status;                                                                                 \
     } while (false)
 
 #endif /* QZOCI_OCI_CALC_NUMBER_TRACE_H */
