@@ -162,7 +162,8 @@ std::string fields_text(const QZCICalcNumber& record) {
     const std::span<const ub4> limbs(record.data_part);
     for (auto limb = limbs.begin(); limb != limbs.end();) {
         const auto after_zeros = std::find_if(limb, limbs.end(), [](ub4 value) { return value != 0; });
-        text += after_zeros == limb ? std::to_string(*limb) : "z" + std::to_string(after_zeros - limb);
+        text += after_zeros == limb ? "" : "z";
+        text += std::to_string(after_zeros == limb ? *limb : after_zeros - limb);
         limb = std::max(limb + 1, after_zeros);
         text += limb == limbs.end() ? "" : ".";
     }
