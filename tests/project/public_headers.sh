@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# usage: public_headers.sh COMPILER c|c++ STANDARD
+# Each public header compiles alone and twice, also for a host that brings every guarded name itself.
+# shellcheck source=tests/project/lib.sh
+source "$(dirname "$0")/lib.sh"
+
+compile() {
+    "$1" -x "$2" -std="$3" -Wall -Wextra -pedantic -Wundef -Werror -fsyntax-only -I"$SOURCE" -
+}
+
+for header in oci_types.h oci_log.h oci_calc_number.h; do
+    printf '#include "qzoci/%s"\n' $header $header | compile "$@" || fail "$header"
+done
+
+guards=$(grep -o 'QZOCI_HAVE_[A-Za-z0-9]*' "$SOURCE/qzoci/oci_types.h" | sort -u)
+compile "$@" <<HOST || fail "a host with names of its own"
+#include <stdint.h>
+typedef unsigned char ub1;
+typedef signed char sb1;
+typedef unsigned int ub4;
+typedef signed int sb4;
+typedef uint64_t ub8;
+typedef int64_t sb8;
+typedef int sword;
+typedef int boolean;
+typedef struct OCINumber { ub1 OCINumberPart[22]; } OCINumber;
+#define OCI_SUCCESS 0
+#define OCI_ERROR -1
+#define OCI_INVALID_HANDLE -2
+$(grep -v '^QZOCI_HAVE_$' <<<"$guards" | sed 's/^/#define /')
+#include "qzoci/oci_calc_number.h"
+HOST
