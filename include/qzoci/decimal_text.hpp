@@ -301,26 +301,28 @@ inline std::string format_pairs(const number_layout& layout) {
 } // namespace detail
 
 constexpr expected<QZCICalcNumber, text_error> parse_record(std::string_view text) {
-    const auto number = detail::scan_number(text);
-    if (!number) {
-        return unexpected(number.error());
+    const auto scan = detail::scan_number(text);
+    if (!scan) {
+        return unexpected(scan.error());
     }
-    if (number->end != text.size()) {
-        return unexpected(detail::continuation_error(text, *number));
+    const detail::scanned_number& number = *scan;
+    if (number.end != text.size()) {
+        return unexpected(detail::continuation_error(text, number));
     }
-    return detail::record_of(text, *number);
+    return detail::record_of(text, number);
 }
 
 constexpr expected<record_prefix, text_error> parse_record_prefix(std::string_view text) {
-    const auto number = detail::scan_number(text);
-    if (!number) {
-        return unexpected(number.error());
+    const auto scan = detail::scan_number(text);
+    if (!scan) {
+        return unexpected(scan.error());
     }
-    const auto record = detail::record_of(text, *number);
+    const detail::scanned_number& number = *scan;
+    const auto record = detail::record_of(text, number);
     if (!record) {
         return unexpected(record.error());
     }
-    return record_prefix{*record, number->end};
+    return record_prefix{*record, number.end};
 }
 
 inline std::string format_record(const QZCICalcNumber& record) {

@@ -1,5 +1,5 @@
-/* qzoci::expected: a value or an error. std::expected where the library has it, its Debian-packaged
- * forerunner elsewhere; both are used through their common part. */
+/* qzoci::expected: a value or an error. std::expected where the library has it, its forerunner tl::expected
+ * elsewhere. The forerunner's -> is no constant expression; * and value() are. */
 #ifndef QZOCI_EXPECTED_HPP
 #define QZOCI_EXPECTED_HPP
 

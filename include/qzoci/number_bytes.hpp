@@ -242,6 +242,24 @@ constexpr expected<number_notes, number_error> validate_pairs(const number_layou
     return notes_of_pairs(layout);
 }
 
+inline std::string at_byte(std::size_t offset, std::string_view what) {
+    std::string text = "byte ";
+    text += std::to_string(offset);
+    text += ": ";
+    text += what;
+    return text;
+}
+
+inline std::string describe_length(const number_byte& byte) {
+    if (byte.malformed) {
+        return "length outside 1..21";
+    }
+    std::string text = "length: ";
+    text += std::to_string(byte.value);
+    text += byte.value == 1 ? " byte follows" : " bytes follow";
+    return text;
+}
+
 inline std::string describe_exponent(const number_layout& layout) {
     switch (layout.kind) {
     case number_kind::zero:
@@ -250,20 +268,25 @@ inline std::string describe_exponent(const number_layout& layout) {
         return "exponent byte: positive infinity";
     case number_kind::negative_infinity:
         return "exponent byte: negative infinity";
-    case number_kind::positive:
-        return "exponent byte: positive, first pair * 100^" + std::to_string(layout.exponent);
-    case number_kind::negative:
-        return "exponent byte: negative, first pair * 100^" + std::to_string(layout.exponent);
     case number_kind::bad_length:
+        return "ignored";
+    case number_kind::positive:
+    case number_kind::negative:
         break;
     }
-    return "ignored";
+    std::string text = "exponent byte: ";
+    text += layout.kind == number_kind::positive ? "positive" : "negative";
+    text += ", first pair * 100^";
+    text += std::to_string(layout.exponent);
+    return text;
 }
 
 inline std::string describe_pair(const number_byte& byte) {
     std::string text = "pair ";
     text += byte.pair >= 0 && byte.pair < 10 ? "0" : "";
-    text += std::to_string(byte.pair) + " * 100^" + std::to_string(byte.weight);
+    text += std::to_string(byte.pair);
+    text += " * 100^";
+    text += std::to_string(byte.weight);
     text += byte.malformed ? ", malformed" : "";
     text += byte.weight < lowest_record_weight ? ", dropped on unpacking" : "";
     return text;
@@ -340,20 +363,18 @@ constexpr std::string_view describe(number_note_kind kind) {
 }
 
 inline std::string message(const number_error& error) {
-    return "byte " + std::to_string(error.offset) + ": " + std::string(describe(error.fault));
+    return detail::at_byte(error.offset, describe(error.fault));
 }
 
 inline std::string message(const number_note& note) {
-    return "byte " + std::to_string(note.offset) + ": " + std::string(describe(note.kind));
+    return detail::at_byte(note.offset, describe(note.kind));
 }
 
 inline std::string describe(const number_layout& layout, std::size_t offset) {
     const number_byte& byte = layout.bytes[offset];
     switch (byte.role) {
     case byte_role::length:
-        return byte.malformed ? std::string(describe(number_fault::length))
-                              : "length: " + std::to_string(byte.value) +
-                                    (byte.value == 1 ? " byte follows" : " bytes follow");
+        return detail::describe_length(byte);
     case byte_role::exponent:
         return detail::describe_exponent(layout);
     case byte_role::infinity_mark:

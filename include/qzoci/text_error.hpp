@@ -64,7 +64,11 @@ constexpr std::string_view describe(text_fault fault) {
 }
 
 inline std::string message(const text_error& error) {
-    return "at position " + std::to_string(error.position) + ": " + std::string(describe(error.fault));
+    std::string text = "at position ";
+    text += std::to_string(error.position);
+    text += ": ";
+    text += describe(error.fault);
+    return text;
 }
 
 } // namespace qzoci
