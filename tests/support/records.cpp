@@ -189,7 +189,7 @@ std::string decimal_text(const QZCICalcNumber& record) {
         digits.insert(0, padded_limb(limb % limb_base));
     }
     digits.insert(0, padded_limb(carry));
-    const size_t point = limb_digits * (units_limb + 2);
+    const size_t point = size_t{limb_digits} * (units_limb + 2);
     std::string integer_part = digits.substr(0, point);
     std::string fraction = digits.substr(point);
     integer_part.erase(0, std::min(integer_part.find_first_not_of('0'), point - 1));
@@ -201,8 +201,8 @@ std::vector<ub4> limbs_from_text(std::string_view text) {
     std::vector<ub4> limbs;
     for (std::string_view part : split(text, '.')) {
         if (remove_prefix(part, "z")) {
-            const int count = integer_from_text<sb1>(part);
-            if (count < 1) {
+            const int count = integer_from_text<int>(part);
+            if (count < 1 || count > QZCI_CALC_LIMBS) {
                 malformed("not a run of zero limbs", text);
             }
             limbs.resize(limbs.size() + static_cast<size_t>(count));

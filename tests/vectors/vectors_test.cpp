@@ -94,7 +94,7 @@ private:
 
 /* The sides that write debug lines give the whole answer. */
 void check_with_lines(const VectorCase& expected, Side side, const SpelledOutLines& spelled_out) {
-    SCOPED_TRACE(side_name(side));
+    SCOPED_TRACE(std::string(side_name(side)) + " with debug lines");
     const Outcome actual = run_request(parse_request(expected.request), side);
     EXPECT_EQ(actual.effect, expected.answer.effect);
     EXPECT_EQ(actual.lines.size(), expected.answer.line_count)
@@ -106,7 +106,7 @@ void check_with_lines(const VectorCase& expected, Side side, const SpelledOutLin
 
 /* The sides that write none give the same effect and the same other lines. */
 void check_without_lines(const VectorCase& expected, Side side, const std::vector<std::string>& other_lines) {
-    SCOPED_TRACE(side_name(side));
+    SCOPED_TRACE(std::string(side_name(side)) + " without debug lines");
     const DebugLinesKept kept(false);
     const Outcome actual = run_request(parse_request(expected.request), side);
     EXPECT_EQ(actual.effect, expected.answer.effect);
