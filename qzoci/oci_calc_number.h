@@ -187,6 +187,74 @@ QZOCI_API sword QZCICalcNumCeil(const QZCICalcNumber* number, QZCICalcNumber* re
 /* result = the largest integer not above number. Infinities stay, with an error line and OCI_SUCCESS. */
 QZOCI_API sword QZCICalcNumFloor(const QZCICalcNumber* number, QZCICalcNumber* result);
 
+/* ---- Elementary functions: angles in radians; results in the record's full precision ----
+ * Series end when a term has become zero at 10^-160. docs/accuracy.md has each function's measured error. */
+
+/* resultp = the square root. A negative number and +infinity give zero, with an error line and OCI_SUCCESS.
+ */
+QZOCI_API sword QZCICalcNumSqrt(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = sin x; of an infinity 0. */
+QZOCI_API sword QZCICalcNumSin(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = cos x, as the sine of x + pi/2; of an infinity 1. */
+QZOCI_API sword QZCICalcNumCos(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = sin x / cos x. Where the cosine is zero, an infinity with the sine's sign. */
+QZOCI_API sword QZCICalcNumTan(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* result = sin x, rounded half-up in magnitude to 38 fraction digits. */
+QZOCI_API sword QZCICalcNumSinWithRound(const QZCICalcNumber* number, QZCICalcNumber* result);
+
+/* result = cos x, rounded half-up in magnitude to 38 fraction digits. */
+QZOCI_API sword QZCICalcNumCosWithRound(const QZCICalcNumber* number, QZCICalcNumber* result);
+
+/* resultp = rounded sine / rounded cosine, itself not rounded. Where the rounded cosine is zero, an infinity
+ * with the sine's sign. */
+QZOCI_API sword QZCICalcNumTanWithRound(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = arctan x, in (-pi/2, pi/2); of an infinity +-pi/2. */
+QZOCI_API sword QZCICalcNumAtan(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = arcsin x, in [-pi/2, pi/2]. OCI_ERROR: |x| > 1. */
+QZOCI_API sword QZCICalcNumAsin(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = arccos x, in [0, pi]. OCI_ERROR: |x| > 1. */
+QZOCI_API sword QZCICalcNumAcos(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = the angle of the point (number2, number1), in (-pi, pi]. Of (0, 0): zero, with an error line and
+ * OCI_SUCCESS. */
+QZOCI_API sword QZCICalcNumAtan2(const QZCICalcNumber* number1, const QZCICalcNumber* number2,
+                                 QZCICalcNumber* resultp);
+
+/* resultp = e^x. Infinite for x >= 369, zero for x <= -369. Its exit trace names "QZCICalcNumSqrt". */
+QZOCI_API sword QZCICalcNumExp(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = sinh x. */
+QZOCI_API sword QZCICalcNumSinh(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = cosh x. */
+QZOCI_API sword QZCICalcNumCosh(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = tanh x; of an infinity +-1. For finite x it is +infinity where e^x overflows, and -infinity where
+ * e^x is below 10^-144 but not zero. */
+QZOCI_API sword QZCICalcNumTanh(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = ln x. Of zero: -infinity with the zero flag still set. OCI_ERROR: the sign is -1, of a zero or an
+ * infinity too. */
+QZOCI_API sword QZCICalcNumLn(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
+/* resultp = base to an integer power formed by squarings alone: base^(2^k), times base when |exp| is odd,
+ * where k is the number of halvings that bring |exp| (less 1 when odd) down to 1. So x^6 is x^4 and x^7 is
+ * x^5. The reciprocal for a negative exp. x^0 is 1 for every x. OCI_ERROR: a zero base and a negative exp. */
+QZOCI_API sword QZCICalcNumIntPower(const QZCICalcNumber* base, sword exp, QZCICalcNumber* resultp);
+
+/* resultp = base to the power exp, as e^(exp * ln |base|). Infinite exponents have inverted limits: 2^(+inf)
+ * is 0 and 0.5^(+inf) is +inf. OCI_ERROR: a negative base with an exponent that has a fraction; -infinity to
+ * an infinite power. */
+QZOCI_API sword QZCICalcNumPower(const QZCICalcNumber* base, const QZCICalcNumber* exp,
+                                 QZCICalcNumber* resultp);
+
 #ifdef __cplusplus
 } /* extern "C" */
 

@@ -19,6 +19,11 @@ ub4 pow_100(ub4 exp);
  * as they are. Its exit trace names "QZCICalcNumToRoundToFiveAfterDot". */
 sword QZCICalcNumToRoundToOCINumber(QZCICalcNumber* num);
 
+/* Writes the first guess of the square root: the rounded root of the leading limb, at that limb's position;
+ * the scale is the iteration's to repair. Only number's leading limb is read, not its sign. OCI_ERROR: number
+ * has no leading limb. */
+sword QZCICalcNumSqrtFirst(const QZCICalcNumber* number, QZCICalcNumber* resultp);
+
 /* result = augend + addend over max(len1, len2) limbs; the carry out of the top limb is dropped. */
 void calc_add(ub4* augend, sb1 len1, ub4* addend, sb1 len2, ub4* result);
 

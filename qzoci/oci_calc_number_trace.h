@@ -51,4 +51,14 @@ inline const void* ptr(const void* p) {
         return qzoci_status;                                                                                 \
     } while (false)
 
+/* Makes the call; where it fails, writes the given error line and returns its status. */
+#define QZOCI_FORWARD(call, ...)                                                                             \
+    do {                                                                                                     \
+        const sword qzoci_status = (call);                                                                   \
+        if (qzoci_status != OCI_SUCCESS) {                                                                   \
+            QZOCI_ERROR(__VA_ARGS__);                                                                        \
+            return qzoci_status;                                                                             \
+        }                                                                                                    \
+    } while (false)
+
 #endif /* QZOCI_OCI_CALC_NUMBER_TRACE_H */

@@ -1,6 +1,7 @@
 #include "tests/support/operations.h"
 
 #include "qzoci/oci_calc_number_arithmetic.h"
+#include "qzoci/oci_calc_number_elementary.h"
 #include "qzoci/oci_calc_number_internal.h"
 #include "qzoci/oci_calc_number_model.h"
 
@@ -90,6 +91,10 @@ sb8 to_text(Side side, const Arguments& x) {
     return on_side<QZCICalcNumToStr, engine::to_str>(side, x.first, x.text, x.text_size);
 }
 
+sb8 first_guess(Side /* side */, const Arguments& x) {
+    return QZCICalcNumSqrtFirst(x.first, x.result);
+}
+
 sb8 power_of_100(Side /* side */, const Arguments& x) {
     return pow_100(static_cast<ub4>(x.integer));
 }
@@ -134,6 +139,26 @@ constexpr Operation operations[] = {
     {"qzci_knuth_div", Form::long_division, long_division},
     {"QZCICalcNumCeil", Form::unary, unary<QZCICalcNumCeil, engine::ceil>},
     {"QZCICalcNumFloor", Form::unary, unary<QZCICalcNumFloor, engine::floor>},
+    {"QZCICalcNumSqrtFirst", Form::unary, first_guess},
+    {"QZCICalcNumSqrt", Form::unary, unary<QZCICalcNumSqrt, engine::sqrt>},
+    {"QZCICalcNumSin", Form::unary, unary<QZCICalcNumSin, engine::sin>},
+    {"QZCICalcNumCos", Form::unary, unary<QZCICalcNumCos, engine::cos>},
+    {"QZCICalcNumTan", Form::unary, unary<QZCICalcNumTan, engine::tan>},
+    {"QZCICalcNumSinWithRound", Form::unary, unary<QZCICalcNumSinWithRound, engine::sin_with_round>},
+    {"QZCICalcNumCosWithRound", Form::unary, unary<QZCICalcNumCosWithRound, engine::cos_with_round>},
+    {"QZCICalcNumTanWithRound", Form::unary, unary<QZCICalcNumTanWithRound, engine::tan_with_round>},
+    {"QZCICalcNumAtan", Form::unary, unary<QZCICalcNumAtan, engine::atan>},
+    {"QZCICalcNumAsin", Form::unary, unary<QZCICalcNumAsin, engine::asin>},
+    {"QZCICalcNumAcos", Form::unary, unary<QZCICalcNumAcos, engine::acos>},
+    {"QZCICalcNumAtan2", Form::binary, binary<QZCICalcNumAtan2, engine::atan2>},
+    {"QZCICalcNumExp", Form::unary, unary<QZCICalcNumExp, engine::exp>},
+    {"QZCICalcNumSinh", Form::unary, unary<QZCICalcNumSinh, engine::sinh>},
+    {"QZCICalcNumCosh", Form::unary, unary<QZCICalcNumCosh, engine::cosh>},
+    {"QZCICalcNumTanh", Form::unary, unary<QZCICalcNumTanh, engine::tanh>},
+    {"QZCICalcNumLn", Form::unary, unary<QZCICalcNumLn, engine::ln>},
+    {"QZCICalcNumIntPower", Form::unary_integer,
+     unary_integer<QZCICalcNumIntPower, engine::int_power, sword>},
+    {"QZCICalcNumPower", Form::binary, binary<QZCICalcNumPower, engine::power>},
 };
 
 } // namespace
