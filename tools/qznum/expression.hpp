@@ -1,0 +1,68 @@
+/* Expressions: from text to a list of steps for a stack of records.
+ *
+ *     expression = operand { binary-operator operand }
+ *     operand    = unary-operator operand | "(" expression ")" | number | constant
+ *                | function "(" expression { "," expression } ")"
+ *     number     = decimal, unsigned, as qzoci::parse_record_prefix takes it | "0x" hex-digits
+ *
+ * Blanks may stand anywhere but inside numbers and names. Precedence and association are those of the
+ * operator tables. The list is as long as the text at most, and running it needs no recursion. */
+#ifndef QZNUM_EXPRESSION_HPP
+#define QZNUM_EXPRESSION_HPP
+
+#include "operations.hpp"
+
+#include "qzoci/oci_calc_number.h"
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace qznum {
+
+/* Pushes a number: well-formed bytes that are stored already, or a record that has still to pass through the
+ * stored form.
+ */
+struct PushNumber {
+    std::variant<OCINumber, QZCICalcNumber> number;
+};
+
+struct PushConstant {
+    const Constant* constant;
+};
+
+/* Replaces the topmost operands by the operation's result. */
+struct Apply {
+    Operation operation;
+    std::size_t operand_count;
+};
+
+struct Step {
+    std::size_t position; /* where in the text it is written */
+    std::variant<PushNumber, PushConstant, Apply> action;
+};
+
+class SyntaxError : public std::runtime_error {
+public:
+    SyntaxError(std::size_t position, const std::string& reason)
+        : std::runtime_error(reason), position_(position) {}
+
+    std::size_t position() const { return position_; }
+
+private:
+    std::size_t position_;
+};
+
+/* How deeply operands may lie inside one another. */
+inline constexpr std::size_t deepest_nesting = 500;
+
+/* Throws SyntaxError, also for a number that is out of range or whose bytes are malformed. Calls no operation
+ * of the engine. */
+std::vector<Step> parse_expression(std::string_view text);
+
+} // namespace qznum
+
+#endif /* QZNUM_EXPRESSION_HPP */

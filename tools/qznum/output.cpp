@@ -1,0 +1,92 @@
+#include "output.hpp"
+
+#include "exit_status.hpp"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <utility>
+
+namespace qznum {
+
+namespace {
+
+constexpr int first_free_descriptor = 3;
+
+/* Opens standard error on nothing when it is closed, so that no file opened later gets its number. */
+void open_closed_standard_error() {
+    if (fcntl(STDERR_FILENO, F_GETFD) != -1) {
+        return;
+    }
+    const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    if (nothing != -1 && nothing != STDERR_FILENO) {
+        dup2(nothing, STDERR_FILENO);
+        close(nothing);
+    }
+}
+
+} // namespace
+
+Output::Output() : results_(nullptr) {
+    open_closed_standard_error();
+    std::signal(SIGPIPE, SIG_IGN); // NOLINT(cert-err33-c): cannot fail for this signal
+    const int copy = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, first_free_descriptor);
+    if (copy == -1) {
+        throw IoError(fmt::format("cannot write results: {}", std::strerror(errno)));
+    }
+    results_ = fdopen(copy, "w");
+    if (results_ == nullptr || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
+        throw IoError(fmt::format("cannot write results: {}", std::strerror(errno)));
+    }
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+}
+
+Output::~Output() {
+    if (results_ != nullptr) {
+        std::fclose(results_);
+    }
+}
+
+void Output::write_result(std::string_view text) {
+    throw_on_failure();
+    if (std::fwrite(text.data(), 1, text.size(), results_) != text.size() ||
+        std::fputc('\n', results_) == EOF) {
+        note_failure();
+        throw_on_failure();
+    }
+}
+
+void Output::write_message(std::string_view text) noexcept {
+    if (results_ != nullptr && std::fflush(results_) != 0) {
+        note_failure();
+    }
+    const std::string line = fmt::format("qznum: {}\n", text);
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void Output::finish() {
+    if (std::fclose(std::exchange(results_, nullptr)) != 0) {
+        note_failure();
+    }
+    throw_on_failure();
+}
+
+void Output::note_failure() noexcept {
+    if (failure_ == 0) {
+        failure_ = errno;
+    }
+}
+
+void Output::throw_on_failure() const {
+    if (failure_ == EPIPE) {
+        throw ReaderGone();
+    }
+    if (failure_ != 0) {
+        throw IoError(fmt::format("cannot write results: {}", std::strerror(failure_)));
+    }
+}
+
+} // namespace qznum
