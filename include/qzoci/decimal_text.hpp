@@ -294,8 +294,8 @@ inline std::string format_pairs(const number_layout& layout) {
         }
     }
     const auto count = static_cast<std::size_t>(end - digits.data());
-    return plain_decimal(layout.kind == number_kind::negative, {digits.data(), count},
-                         2 * (layout.exponent + 1));
+    const std::ptrdiff_t integer_pairs = layout.exponent + 1;
+    return plain_decimal(layout.kind == number_kind::negative, {digits.data(), count}, 2 * integer_pairs);
 }
 
 } // namespace detail
@@ -330,7 +330,7 @@ inline std::string format_record(const QZCICalcNumber& record) {
     if (record.num_infinity != 0) {
         return detail::infinity_text(negative);
     }
-    constexpr int groups = 1 + QZCI_CALC_LIMBS; /* the carry out of limb 0, then the limbs */
+    constexpr std::size_t groups = 1 + QZCI_CALC_LIMBS; /* the carry out of limb 0, then the limbs */
     std::array<char, groups * detail::limb_digits> digits{};
     char* end = digits.data() + digits.size();
     ub8 carry = 0;

@@ -124,7 +124,7 @@ namespace detail {
 
 inline constexpr int max_length = QZOCI_NUMBER_SIZE - 1;
 inline constexpr int first_pair_offset = 2;
-inline constexpr int max_pairs = QZOCI_NUMBER_SIZE - first_pair_offset;
+inline constexpr std::size_t max_pairs = QZOCI_NUMBER_SIZE - first_pair_offset;
 inline constexpr int zero_exponent_byte = 128;
 inline constexpr int infinity_mark_byte = 101;
 inline constexpr int terminator_byte = 102;

@@ -328,11 +328,12 @@ QZCICalcNumber record_of_pairs(const number_layout& layout) {
                 static_cast<ub4>(byte.pair) * weights[static_cast<std::size_t>(from_bottom % 4)];
         }
     }
-    record.num_infinity =
-        layout.kind == number_kind::positive_infinity || layout.kind == number_kind::negative_infinity;
-    record.num_signed = layout.kind == number_kind::negative || layout.kind == number_kind::negative_infinity
-                            ? sb1{-1}
-                            : sb1{1};
+    const bool negative =
+        layout.kind == number_kind::negative || layout.kind == number_kind::negative_infinity;
+    const bool finite =
+        layout.kind != number_kind::positive_infinity && layout.kind != number_kind::negative_infinity;
+    record.num_signed = negative ? sb1{-1} : sb1{1};
+    record.num_infinity = finite ? sb1{0} : sb1{1};
     QZCICalcNumInit(&record);
     return record;
 }

@@ -1,6 +1,7 @@
 #include "tests/text/exact_value.h"
 
-#include <regex>
+#include <algorithm>
+#include <string>
 
 namespace qzoci::test {
 
@@ -28,9 +29,22 @@ mpz_class value_of_pairs(std::span<const int> pairs, int exponent) {
     return value;
 }
 
-bool is_plain_decimal(const std::string& text) {
-    static const std::regex form("0|-?(0\\.[0-9]*[1-9]|[1-9][0-9]*(\\.[0-9]*[1-9])?)");
-    return std::regex_match(text, form);
+bool is_plain_decimal(std::string_view text) {
+    if (text == "0") {
+        return true;
+    }
+    if (text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    const auto all_digits = [](std::string_view part) {
+        return !part.empty() &&
+               std::all_of(part.begin(), part.end(), [](char c) { return c >= '0' && c <= '9'; });
+    };
+    const std::string_view integer = text.substr(0, text.find('.'));
+    const std::string_view fraction = integer.size() < text.size() ? text.substr(integer.size() + 1) : "";
+    const bool fraction_is_short = integer == text || (all_digits(fraction) && !fraction.ends_with('0'));
+    const bool integer_is_short = integer == "0" ? integer != text : !integer.starts_with('0');
+    return all_digits(integer) && integer_is_short && fraction_is_short;
 }
 
 mpz_class value_of_plain_decimal(std::string_view text) {

@@ -8,7 +8,6 @@
 #include <gmpxx.h>
 
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace qzoci::test {
@@ -25,7 +24,7 @@ mpz_class value_of_limbs(const QZCICalcNumber& record);
 mpz_class value_of_pairs(std::span<const int> pairs, int exponent);
 
 /* Whether the text is a plain decimal in its only form: no needless zero, sign or point. */
-bool is_plain_decimal(const std::string& text);
+bool is_plain_decimal(std::string_view text);
 
 /* The value of a plain decimal. */
 mpz_class value_of_plain_decimal(std::string_view text);

@@ -67,6 +67,16 @@ TEST(FormatRecord, OnlyMinusOneIsANegativeSign) {
     }
 }
 
+TEST(ExactValue, OnlyTheOneFormOfAPlainDecimalIsTaken) {
+    for (const std::string_view text : {"0", "1", "-1", "10", "0.5", "-0.05", "10.01"}) {
+        EXPECT_TRUE(is_plain_decimal(text)) << text;
+    }
+    for (const std::string_view text : {"", "-", "-0", "00", "01", "0.", ".5", "0.0", "0.50", "1.", "-00.5",
+                                        "+1", "1e5", "1.2.3", "--1", "inf"}) {
+        EXPECT_FALSE(is_plain_decimal(text)) << text;
+    }
+}
+
 /* A quotient whose limbs are not below the base. */
 TEST(FormatRecord, AddsUpLimbsThatADivisionLeaves) {
     EXPECT_EQ(format_record(record_from_limbs({{19, 1}, {20, 97044335}, {21, 145320199}, {22, 100000003}})),

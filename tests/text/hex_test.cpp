@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace qzoci::test {
 namespace {
@@ -17,7 +20,7 @@ std::string parsed(std::string_view text) {
 }
 
 std::string padded(std::string hex) {
-    hex.resize(2 * QZOCI_NUMBER_SIZE, '0');
+    hex.resize(std::size_t{2} * QZOCI_NUMBER_SIZE, '0');
     return hex;
 }
 
@@ -80,6 +83,32 @@ TEST(ParseHex, RefusesFewerBytesThanTheLengthByteCounts) {
     EXPECT_EQ(parsed("02c1"), error_text(4, fewer_bytes_than_length));
     EXPECT_EQ(parsed("0x15" + std::string(40, '1')), error_text(44, fewer_bytes_than_length));
     EXPECT_EQ(parsed("ff" + std::string(40, '1')), error_text(42, fewer_bytes_than_length));
+}
+
+std::string lower_case(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return lower;
+}
+
+TEST(ParseHex, AnyTextIsANumberOrAnErrorInsideIt) {
+    constexpr std::string_view alphabet = "00001234567890abcdefABCDEFx ";
+    std::mt19937_64 random(23);
+    int numbers = 0;
+    for (int i = 0; i < 100000; ++i) {
+        std::vector<char> characters(random() % 50); /* with nothing readable behind the text */
+        const std::size_t usable = random() % 2 == 0 ? alphabet.size() : 8;
+        std::generate(characters.begin(), characters.end(), [&] { return alphabet[random() % usable]; });
+        const std::string_view text(characters.data(), characters.size());
+        if (const auto number = parse_hex(text)) {
+            ++numbers;
+            ASSERT_EQ(padded(lower_case(text)), hex_text(*number)) << text;
+        } else {
+            ASSERT_LE(number.error().position, text.size()) << text;
+        }
+    }
+    EXPECT_GT(numbers, 1000);
 }
 
 TEST(FormatHex, WritesTheBytesThatCount) {
