@@ -1,5 +1,7 @@
 #include "qzoci/oci_calc_number_arithmetic.h"
 
+#include "qzoci/limbs/limbs.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -16,6 +18,73 @@ bool has_sign(const QZCICalcNumber& num) {
 
 bool has_walkable_limbs(const QZCICalcNumber& num) {
     return is_walkable(num.start_pos, num.end_pos);
+}
+
+/* ---- Fast kernels ----
+ * Each try_ function finishes its stretch with the digits and flags of the plain steps, or is false with
+ * nothing written. */
+
+/* True for a span that a kernel may read; the kernel itself tests the limbs. */
+bool is_placed(const QZCICalcNumber& num) {
+    return num.start_pos >= 0 && num.start_pos <= num.end_pos && num.end_pos < limb_count;
+}
+
+limbs::Magnitude magnitude(const QZCICalcNumber& num) {
+    return {num.data_part, num.start_pos, num.end_pos};
+}
+
+/* Sets the fields as the normaliser does for limbs of this extent. */
+void set_fields(QZCICalcNumber& num, limbs::Extent extent, sb1 sign) {
+    num.num_signed = sign == -1 ? sb1{-1} : sb1{1};
+    num.num_infinity = 0;
+    num.start_pos = static_cast<sb1>(extent.first);
+    num.end_pos = static_cast<sb1>(extent.last);
+    num.is_zero = extent.first < 0 ? sb1{1} : sb1{0};
+}
+
+bool try_product(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, QZCICalcNumber& product) {
+    if (!is_placed(a) || !is_placed(b) || a.start_pos + b.start_pos < units_limb) {
+        return false;
+    }
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::product,
+                   limbs::kernels().product(magnitude(a), magnitude(b), product.data_part, extent))) {
+        return false;
+    }
+    set_fields(product, extent, sign_product(a, b));
+    return true;
+}
+
+bool try_quotient_by_limb(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber& divisor,
+                          QZCICalcNumber& quotient) {
+    const ub4 divisor_limb = divisor.data_part[divisor.start_pos];
+    const int shift = units_limb - divisor.start_pos;
+    const int start = dividend.start_pos + shift;
+    if (!is_placed(dividend) || start < 1 || start >= limb_count || divisor_limb >= limb_base) {
+        return false;
+    }
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::quotient_by_limb,
+                   limbs::kernels().quotient_by_limb(magnitude(dividend), divisor_limb, shift,
+                                                     quotient.data_part, extent))) {
+        return false;
+    }
+    set_fields(quotient, extent, sign_product(dividend, divisor));
+    return true;
+}
+
+bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber& divisor,
+                  QZCICalcNumber& quotient) {
+    if (!is_placed(dividend) || divisor.data_part[divisor.start_pos] == 0) {
+        return false;
+    }
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::quotient, limbs::kernels().quotient(magnitude(dividend), magnitude(divisor),
+                                                                quotient.data_part, extent))) {
+        return false;
+    }
+    set_fields(quotient, extent, sign_product(dividend, divisor));
+    return true;
 }
 
 /* ---- Addition and subtraction ---- */
@@ -295,6 +364,9 @@ void align_product(Trace t, ub4* tmp_data_part, int new_len, int exp_sum, sb1 si
 /* The product of two finite, non-zero records. */
 sword multiply(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
                QZCICalcNumber& cproduct) {
+    if (t.fast && try_product(t, *multiplicand, *multiplier, cproduct)) {
+        return OCI_SUCCESS;
+    }
     const int exp_sum = (units_limb - multiplicand->end_pos) + (units_limb - multiplier->end_pos);
     const QZCICalcNumber* mul1 = multiplier;
     const QZCICalcNumber* mul2 = multiplicand;
@@ -463,6 +535,9 @@ sword divide_long(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber*
     if (n < 2 || !has_walkable_limbs(*divisor) || !has_walkable_limbs(*dividend)) {
         QZOCI_MALFORMED("QZCICalcNumDiv");
         return OCI_ERROR;
+    }
+    if (t.fast && try_quotient(t, *dividend, *divisor, cresult)) {
+        return OCI_SUCCESS;
     }
     QZOCI_DEBUG(t, "Donald Knuth Algo D. start: dividend:%p divisor:%p, m:%d, n:%d", ptr(dividend),
                 ptr(divisor), quotient_top, n);
@@ -788,6 +863,10 @@ sword div_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber
         QZOCI_LEAVE(t, name, OCI_ERROR);
     }
     QZCICalcNumber cresult = canonical_zero();
+    if (t.fast && try_quotient_by_limb(t, *dividend, *divisor, cresult)) {
+        *resultp = cresult;
+        QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    }
     ub4 qut[limb_count] = {};
     const int length = single_limb_quotient(t, dividend, divisor, qut);
     auto exp_pow = static_cast<sb1>(divisor->start_pos - dividend->start_pos);

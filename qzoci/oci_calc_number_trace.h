@@ -9,12 +9,33 @@
 
 namespace qzoci::engine {
 
+/* The stretches of laid-down steps that a fast kernel may finish. */
+enum class Stretch { product, half, quotient_by_limb, quotient };
+inline constexpr int stretch_count = 4;
+
+/* Counts how often fast kernels were tried and declined. The engine only adds to it; a test hands it in. */
+struct Tally {
+    long tried[stretch_count];
+    long declined[stretch_count];
+};
+
 /* Decided once per public call and handed inward to every operation called.
  * Invariant: fast implies !lines. {false, false} is the plain side without lines, which tests compare with.
  */
 struct Trace {
     bool lines; /* write debug lines */
     bool fast;  /* fast kernels may finish a stretch of the laid-down steps */
+    Tally* tally = nullptr;
+
+    /* Passes on whether a kernel finished the stretch. */
+    bool counted(Stretch stretch, bool finished) const {
+        if (tally != nullptr) {
+            const int i = static_cast<int>(stretch);
+            ++tally->tried[i];
+            tally->declined[i] += finished ? 0 : 1;
+        }
+        return finished;
+    }
 };
 
 inline Trace trace_of_this_call() {

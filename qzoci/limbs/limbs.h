@@ -1,0 +1,70 @@
+/* Fast kernels on limb arrays. They know limbs only: no record, no sign, no log.
+ *
+ * A fixed-point magnitude is 40 limbs, base 10^8, most significant first, with the point between limb 19 and
+ * limb 20, as in a working record. Each kernel finishes one named stretch of the laid-down steps with the
+ * very digits that the plain steps give, or returns false, with nothing written, where the condition for that
+ * does not hold. The condition and its proof stand beside each kernel. */
+#ifndef QZOCI_LIMBS_LIMBS_H
+#define QZOCI_LIMBS_LIMBS_H
+
+#include <cstdint>
+
+namespace qzoci::limbs {
+
+using Limb = std::uint32_t;
+
+inline constexpr Limb base = 100000000;
+inline constexpr Limb max_limb = base - 1;
+inline constexpr int limb_count = 40;
+inline constexpr int units_limb = 19;
+
+/* An operand: the limbs first..last of an array of 40; those outside count as zero, whatever they hold.
+ * Precondition of every kernel: 0 <= first <= last <= 39. */
+struct Magnitude {
+    const Limb* limbs;
+    int first;
+    int last;
+};
+
+/* The first and last non-zero limb of a result, both -1 when there is none. */
+struct Extent {
+    int first;
+    int last;
+};
+
+/* Kernels of one instruction set. A result array has room for 40 limbs, all of which are written, and may be
+ * an operand's. */
+struct Kernels {
+    /* The product rounded at limb 39: up from 50000000 in limb 40, a limb 39 of 99999999 up to 1 without a
+     * carry. A limb above limb 0 is dropped. Precondition: a.first + b.first >= 19. */
+    bool (*product)(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);
+
+    /* The product by 0.5, rounded as a product is. */
+    bool (*half)(const Magnitude& a, Limb* result, Extent& extent);
+
+    /* The quotient by one limb standing at limb 19 - shift, rounded at limb 39: up above 50000000 in limb 40,
+     * with a carry. Precondition: 1 <= dividend.first + shift <= 39, 1 <= divisor <= 99999999. */
+    bool (*quotient_by_limb)(const Magnitude& dividend, Limb divisor, int shift, Limb* result,
+                             Extent& extent);
+
+    /* The quotient by a divisor of two or more limbs, rounded at limb 39: up from 50000000 in limb 40, with a
+     * carry. Precondition: divisor.first - dividend.first <= 18, divisor.limbs[divisor.first] non-zero. */
+    bool (*quotient)(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
+};
+
+/* Which instruction set the kernels use; each includes those before it. */
+enum class Level { portable = 1, avx2, avx512 };
+
+/* The kernels for this CPU, found out at the first call; safe to call from any thread. */
+const Kernels& kernels();
+
+/* Makes kernels() return those of the level, or of the best one below it that this CPU and build have;
+ * returns that level. For tests. */
+Level force_level(Level level);
+
+/* The level that kernels() returns, when not forced. */
+Level best_level();
+
+} // namespace qzoci::limbs
+
+#endif /* QZOCI_LIMBS_LIMBS_H */
