@@ -2,6 +2,15 @@
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/portable.h"
 
+/* Vector kernels are in the build where the compiler knows the instructions and nobody asked to leave them
+ * out. */
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(QZOCI_NO_SIMD)
+#define QZOCI_HAS_X86_KERNELS 1
+#include "qzoci/limbs/avx512.h"
+#else
+#define QZOCI_HAS_X86_KERNELS 0
+#endif
+
 #include <algorithm>
 #include <atomic>
 
@@ -11,13 +20,25 @@ namespace {
 constexpr Kernels portable_kernels = {product_portable, half_portable, quotient_by_limb_portable,
                                       quotient_portable};
 
+#if QZOCI_HAS_X86_KERNELS
+constexpr Kernels avx512_kernels = {product_avx512, half_avx512, quotient_by_limb_portable,
+                                    quotient_portable};
+
+bool has_avx512() {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+           __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
+           __builtin_cpu_supports("avx512ifma") != 0 && __builtin_cpu_supports("bmi2") != 0;
+}
+#endif
+
 const Kernels& kernels_of(Level level) {
-    switch (level) {
-    case Level::portable:
-    case Level::avx2:
-    case Level::avx512:
-        break;
+#if QZOCI_HAS_X86_KERNELS
+    if (level == Level::avx512) {
+        return avx512_kernels;
     }
+#endif
+    static_cast<void>(level);
     return portable_kernels;
 }
 
@@ -28,6 +49,11 @@ std::atomic<int> cached_level = 0;
 } // namespace
 
 Level best_level() {
+#if QZOCI_HAS_X86_KERNELS
+    if (has_avx512()) {
+        return Level::avx512;
+    }
+#endif
     return Level::portable;
 }
 

@@ -1,0 +1,343 @@
+#include "qzoci/limbs/avx512.h"
+
+#include <immintrin.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+
+/* Each function carries the instruction set itself, so that no other file's code is compiled for it. */
+#define QZOCI_AVX512 __attribute__((target("avx512f,avx512dq,avx512bw,avx512vl,avx512ifma,bmi,bmi2,lzcnt")))
+
+namespace qzoci::limbs {
+namespace {
+
+using std::uint64_t;
+using Vector = __m512i; /* 16 limbs, or 8 columns */
+
+constexpr int vector_limbs = 16;
+
+/* A whole array: limbs 0..15, 16..31, 32..39 and eight zeros. */
+struct Loaded {
+    Vector part[3];
+};
+
+/* One bit a limb. */
+using LimbMask = uint64_t;
+
+constexpr LimbMask bit(int limb) {
+    return LimbMask{1} << limb;
+}
+
+constexpr LimbMask bits(int first, int last) {
+    return bit(last + 1) - bit(first);
+}
+
+constexpr __mmask16 part_of(LimbMask mask, int part) {
+    return static_cast<__mmask16>(mask >> (part * vector_limbs));
+}
+
+QZOCI_AVX512 inline Vector all(Limb limb) {
+    return _mm512_set1_epi32(static_cast<int>(limb));
+}
+
+/* The limbs first..last, zeros elsewhere. */
+QZOCI_AVX512 inline Loaded load(const Magnitude& a) {
+    const LimbMask inside = bits(a.first, a.last);
+    return {{_mm512_maskz_loadu_epi32(part_of(inside, 0), a.limbs),
+             _mm512_maskz_loadu_epi32(part_of(inside, 1), a.limbs + vector_limbs),
+             _mm512_maskz_loadu_epi32(part_of(inside, 2), a.limbs + 2 * vector_limbs)}};
+}
+
+QZOCI_AVX512 inline bool is_canonical(const Loaded& a) {
+    const Vector largest = _mm512_max_epu32(_mm512_max_epu32(a.part[0], a.part[1]), a.part[2]);
+    return _mm512_cmpge_epu32_mask(largest, all(base)) == 0;
+}
+
+QZOCI_AVX512 inline void store(const Loaded& a, Limb* result) {
+    _mm512_storeu_si512(result, a.part[0]);
+    _mm512_storeu_si512(result + vector_limbs, a.part[1]);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(result + 2 * vector_limbs),
+                        _mm512_castsi512_si256(a.part[2]));
+}
+
+QZOCI_AVX512 inline LimbMask joined(__mmask16 part0, __mmask16 part1, __mmask16 part2) {
+    return LimbMask{part0} | LimbMask{part1} << vector_limbs | LimbMask{part2} << (2 * vector_limbs);
+}
+
+QZOCI_AVX512 inline Extent extent_of(const Loaded& a) {
+    const LimbMask non_zero =
+        joined(_mm512_test_epi32_mask(a.part[0], a.part[0]), _mm512_test_epi32_mask(a.part[1], a.part[1]),
+               _mm512_test_epi32_mask(a.part[2], a.part[2]));
+    if (non_zero == 0) {
+        return {-1, -1};
+    }
+    return {std::countr_zero(non_zero), 63 - std::countl_zero(non_zero)};
+}
+
+/* ---- Product ---- */
+
+/* The deciding limb of the rounding and the two guard columns after it, as in the portable kernel. */
+constexpr int deciding_limb = limb_count;
+constexpr int last_column = deciding_limb + 2;
+constexpr Limb guard_units = 42;
+
+/* Sums of columns first, first + 2, ... in even and first + 1, first + 3, ... in odd, eight a vector. */
+template <int Vectors>
+struct Columns {
+    Vector even[Vectors];
+    Vector odd[Vectors];
+};
+
+/* floor(c / 10^8) in 64-bit lanes, for c < 2^59: with M = ceil(2^70 / 390625), M * 390625 = 2^70 + e, e <
+ * 2^15, the product (c >> 8) * M / 2^70 exceeds (c >> 8) / 390625 by less than 2^51 * 2^15 / 390625 / 2^70 <
+ * 1 / 390625. */
+QZOCI_AVX512 inline Vector over_base(Vector c) {
+    const Vector reciprocal = _mm512_set1_epi64(3022314549036573);
+    const Vector high = _mm512_madd52hi_epu64(_mm512_setzero_si512(), _mm512_srli_epi64(c, 8), reciprocal);
+    return _mm512_srli_epi64(high, 18);
+}
+
+/* Hands what exceeds a limb to the column above; the carry of the first column is dropped. From an odd column
+ * it stays in its lane, from an even one it moves down by a lane. */
+template <int Vectors>
+QZOCI_AVX512 inline void carry_pass(Columns<Vectors>& columns) {
+    const Vector limb = _mm512_set1_epi64(base);
+    Vector from_even[Vectors + 1];
+    from_even[Vectors] = _mm512_setzero_si512();
+    for (int v = 0; v < Vectors; ++v) {
+        from_even[v] = over_base(columns.even[v]);
+    }
+    for (int v = 0; v < Vectors; ++v) {
+        const Vector from_odd = over_base(columns.odd[v]);
+        const Vector rest_even = _mm512_sub_epi64(columns.even[v], _mm512_mul_epu32(from_even[v], limb));
+        const Vector rest_odd = _mm512_sub_epi64(columns.odd[v], _mm512_mul_epu32(from_odd, limb));
+        columns.even[v] = _mm512_add_epi64(rest_even, from_odd);
+        columns.odd[v] = _mm512_add_epi64(rest_odd, _mm512_alignr_epi64(from_even[v + 1], from_even[v], 1));
+    }
+}
+
+/* Carries on where limbs of base to base + 42 are left: about three products in a million. */
+template <int Vectors>
+QZOCI_AVX512 __attribute__((noinline)) void ripple(Vector (&packed)[Vectors]) {
+    Limb limbs[Vectors * vector_limbs];
+    for (int v = 0; v < Vectors; ++v) {
+        _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
+    }
+    Limb carry = 0;
+    for (int i = Vectors * vector_limbs - 1; i >= 0; --i) {
+        limbs[i] += carry;
+        carry = limbs[i] >= base ? 1 : 0;
+        limbs[i] -= carry != 0 ? base : 0;
+    }
+    for (int v = 0; v < Vectors; ++v) {
+        packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
+    }
+}
+
+/* Limbs of columns first.. moved to their places in a whole array. */
+template <int Vectors>
+QZOCI_AVX512 inline Loaded at_column(const Vector (&packed)[Vectors], int first) {
+    const Vector iota = _mm512_set_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    const LimbMask filled = first + Vectors * vector_limbs >= limb_count
+                                ? bits(first, limb_count - 1)
+                                : bits(first, first + Vectors * vector_limbs - 1);
+    Loaded placed;
+    for (int part = 0; part < 3; ++part) {
+        const Vector source = _mm512_add_epi32(iota, _mm512_set1_epi32(part * vector_limbs - first));
+        const __mmask16 mask = part_of(filled, part);
+        if constexpr (Vectors == 1) {
+            placed.part[part] = _mm512_maskz_permutexvar_epi32(mask, source, packed[0]);
+        } else {
+            placed.part[part] = _mm512_maskz_permutex2var_epi32(mask, packed[0], source, packed[1]);
+            if constexpr (Vectors == 3) {
+                const __mmask16 third =
+                    _mm512_mask_cmpge_epi32_mask(mask, source, _mm512_set1_epi32(2 * vector_limbs));
+                placed.part[part] =
+                    _mm512_mask_permutexvar_epi32(placed.part[part], third, source, packed[2]);
+            }
+        }
+    }
+    return placed;
+}
+
+/* Carries, rounds and places the column sums; see the portable kernel for the condition and its proof. exact
+ * tells that no column is left out. first >= 0, and a carry out of column first is dropped. */
+template <int Vectors>
+QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bool exact, Limb* result,
+                                        Extent& extent) {
+    carry_pass(columns);
+    carry_pass(columns);
+    Vector packed[Vectors];
+    __mmask16 excess = 0;
+    for (int v = 0; v < Vectors; ++v) {
+        packed[v] = _mm512_or_si512(columns.even[v], _mm512_slli_epi64(columns.odd[v], 32));
+        excess |= _mm512_cmpge_epu32_mask(packed[v], all(base));
+    }
+    if (excess != 0) {
+        ripple(packed);
+    }
+    LimbMask rounding = 0; /* columns from half a base on */
+    LimbMask below_half = 0;
+    LimbMask near_top = 0;
+    for (int v = 0; v < Vectors; ++v) {
+        const int shift = v * vector_limbs + first;
+        rounding |= LimbMask{_mm512_cmpge_epu32_mask(packed[v], all(base / 2))} << shift;
+        below_half |= LimbMask{_mm512_cmpeq_epi32_mask(packed[v], all(base / 2 - 1))} << shift;
+        near_top |= LimbMask{_mm512_cmpge_epu32_mask(packed[v], all(base - guard_units))} << shift;
+    }
+    Loaded placed = at_column(packed, first);
+    if (!exact) {
+        const bool full_last =
+            (part_of(bit(limb_count - 1), 2) & _mm512_cmpeq_epi32_mask(placed.part[2], all(max_limb))) != 0;
+        if (full_last ||
+            ((below_half & bit(deciding_limb)) != 0 && (near_top & bit(deciding_limb + 1)) != 0)) {
+            return false;
+        }
+    }
+    if ((rounding & bit(deciding_limb)) != 0) {
+        const __mmask16 last = part_of(bit(limb_count - 1), 2);
+        const Vector rounded = _mm512_mask_add_epi32(placed.part[2], last, placed.part[2], all(1));
+        /* 99999999 becomes 1, without a carry. */
+        placed.part[2] = _mm512_mask_mov_epi32(rounded, _mm512_cmpeq_epi32_mask(rounded, all(base)), all(1));
+    }
+    store(placed, result);
+    extent = extent_of(placed);
+    return true;
+}
+
+/* Any operands: windows of b by masked loads, each serving the even columns with a_i and the odd ones with
+ * a_(i+1). */
+template <int Vectors>
+QZOCI_AVX512 bool product_by_loads(const Magnitude& a, const Magnitude& b, int first, bool exact,
+                                   Limb* result, Extent& extent) {
+    Columns<Vectors> columns;
+    for (int v = 0; v < Vectors; ++v) {
+        columns.even[v] = _mm512_setzero_si512();
+        columns.odd[v] = _mm512_setzero_si512();
+    }
+    const LimbMask inside = bits(b.first, b.last);
+    Vector factor = _mm512_setzero_si512();
+    for (int i = a.first - 1; i <= a.last; ++i) {
+        const Vector next = i < a.last ? all(a.limbs[i + 1]) : _mm512_setzero_si512();
+        const int start = first + units_limb - i;
+        const LimbMask window = start >= 0 ? inside >> start : inside << -start;
+        /* Masked-off limbs are not read; the address may lie outside the array. */
+        const auto address = reinterpret_cast<std::uintptr_t>(b.limbs) +
+                             static_cast<std::uintptr_t>(std::intptr_t{start} * std::intptr_t{sizeof(Limb)});
+        for (int v = 0; v < Vectors; ++v) {
+            const Vector limbs = _mm512_maskz_loadu_epi32(
+                part_of(window, v),
+                reinterpret_cast<const void*>(address + static_cast<std::uintptr_t>(v) * sizeof(Vector)));
+            columns.even[v] = _mm512_add_epi64(columns.even[v], _mm512_mul_epu32(factor, limbs));
+            columns.odd[v] = _mm512_add_epi64(columns.odd[v], _mm512_mul_epu32(next, limbs));
+        }
+        factor = next;
+    }
+    return finish_product(columns, first, exact, result, extent);
+}
+
+/* Operands from limb 19 on: windows of b by rotating registers. Column 18 takes the carry. */
+constexpr int fraction_first_column = units_limb - 1;
+
+/* The 16 limbs from limb Start on of b, whose limbs before 16 and after 47 are zero. */
+template <int Start>
+QZOCI_AVX512 inline Vector window(const Loaded& b) {
+    constexpr int block = Start >= 0 ? Start / vector_limbs : -1;
+    constexpr int offset = Start - block * vector_limbs;
+    const Vector zero = _mm512_setzero_si512();
+    const Vector low = block == 1 ? b.part[1] : block == 2 ? b.part[2] : zero;
+    const Vector high = block == 0 ? b.part[1] : block == 1 ? b.part[2] : zero;
+    if constexpr (offset == 0) {
+        return low;
+    } else {
+        return _mm512_alignr_epi32(high, low, offset);
+    }
+}
+
+template <int I>
+QZOCI_AVX512 inline void add_window(const Limb* a, const Loaded& b, Vector factor, Columns<2>& columns) {
+    constexpr int start = fraction_first_column + units_limb - I;
+    const Vector next = I < limb_count - 1 ? all(a[I + 1]) : _mm512_setzero_si512();
+    if constexpr (start + vector_limbs > units_limb) { /* otherwise the window lies before limb 19 */
+        const Vector limbs = window<start>(b);
+        columns.even[0] = _mm512_add_epi64(columns.even[0], _mm512_mul_epu32(factor, limbs));
+        columns.odd[0] = _mm512_add_epi64(columns.odd[0], _mm512_mul_epu32(next, limbs));
+    }
+    const Vector limbs = window<start + vector_limbs>(b);
+    columns.even[1] = _mm512_add_epi64(columns.even[1], _mm512_mul_epu32(factor, limbs));
+    columns.odd[1] = _mm512_add_epi64(columns.odd[1], _mm512_mul_epu32(next, limbs));
+    if constexpr (I < limb_count - 1) {
+        add_window<I + 1>(a, b, next, columns);
+    }
+}
+
+QZOCI_AVX512 bool product_of_fractions(const Limb* a, const Loaded& b, bool exact, Limb* result,
+                                       Extent& extent) {
+    const Vector zero = _mm512_setzero_si512();
+    Columns<2> columns = {{zero, zero}, {zero, zero}};
+    add_window<units_limb - 1>(a, b, zero, columns);
+    return finish_product(columns, fraction_first_column, exact, result, extent);
+}
+
+} // namespace
+
+QZOCI_AVX512 bool product_avx512(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent) {
+    const Loaded loaded_a = load(a);
+    const Loaded loaded_b = load(b);
+    if (!is_canonical(loaded_a) || !is_canonical(loaded_b)) {
+        return false;
+    }
+    const int first = std::max(a.first + b.first - units_limb - 1, 0);
+    if (first > deciding_limb) {
+        store({{_mm512_setzero_si512(), _mm512_setzero_si512(), _mm512_setzero_si512()}}, result);
+        extent = {-1, -1};
+        return true;
+    }
+    const int last = std::min(a.last + b.last - units_limb, last_column);
+    const bool exact = a.last + b.last - units_limb <= last_column;
+    if (a.first == units_limb && b.first == units_limb && a.last == limb_count - 1) {
+        return product_of_fractions(a.limbs, loaded_b, exact, result, extent);
+    }
+    const bool a_is_shorter = a.last - a.first <= b.last - b.first;
+    const Magnitude& shorter = a_is_shorter ? a : b;
+    const Magnitude& longer = a_is_shorter ? b : a;
+    switch ((last - first) / vector_limbs) {
+    case 0:
+        return product_by_loads<1>(shorter, longer, first, exact, result, extent);
+    case 1:
+        return product_by_loads<2>(shorter, longer, first, exact, result, extent);
+    default:
+        return product_by_loads<3>(shorter, longer, first, exact, result, extent);
+    }
+}
+
+/* See the portable kernel. The limb above a limb comes by moving the array up by one. */
+QZOCI_AVX512 bool half_avx512(const Magnitude& a, Limb* result, Extent& extent) {
+    const Loaded x = load(a);
+    if (!is_canonical(x)) {
+        return false;
+    }
+    const Vector zero = _mm512_setzero_si512();
+    const LimbMask odd =
+        joined(_mm512_test_epi32_mask(x.part[0], all(1)), _mm512_test_epi32_mask(x.part[1], all(1)),
+               _mm512_test_epi32_mask(x.part[2], all(1)));
+    const LimbMask below_odd = odd << 1;
+    Loaded halves;
+    for (int part = 0; part < 3; ++part) {
+        const Vector half = _mm512_srli_epi32(x.part[part], 1);
+        halves.part[part] = _mm512_add_epi32(
+            half,
+            _mm512_mask_mov_epi32(zero, part_of(below_odd & bits(0, limb_count - 1), part), all(base / 2)));
+    }
+    if ((odd & bit(limb_count - 1)) != 0) {
+        const __mmask16 last = part_of(bit(limb_count - 1), 2);
+        const Vector rounded = _mm512_mask_add_epi32(halves.part[2], last, halves.part[2], all(1));
+        halves.part[2] = _mm512_mask_mov_epi32(rounded, _mm512_cmpeq_epi32_mask(rounded, all(base)), all(1));
+    }
+    store(halves, result);
+    extent = extent_of(halves);
+    return true;
+}
+
+} // namespace qzoci::limbs

@@ -1,0 +1,14 @@
+/* Kernels in AVX-512 (F, DQ, BW, VL, IFMA). To be called only where dispatch.cpp has found these. */
+#ifndef QZOCI_LIMBS_AVX512_H
+#define QZOCI_LIMBS_AVX512_H
+
+#include "qzoci/limbs/limbs.h"
+
+namespace qzoci::limbs {
+
+bool product_avx512(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);
+bool half_avx512(const Magnitude& a, Limb* result, Extent& extent);
+
+} // namespace qzoci::limbs
+
+#endif /* QZOCI_LIMBS_AVX512_H */
