@@ -21,12 +21,14 @@ bool has_walkable_limbs(const QZCICalcNumber& num) {
 }
 
 /* ---- Fast kernels ----
- * Each try_ function finishes its stretch with the digits and flags of the plain steps, or is false with
- * nothing written. */
+ * Each try_ function finishes its stretch with the digits and flags of the plain steps, straight into the
+ * caller's record, or is false with nothing written. */
 
-/* True for a span that a kernel may read; the kernel itself tests the limbs. */
-bool is_placed(const QZCICalcNumber& num) {
-    return num.start_pos >= 0 && num.start_pos <= num.end_pos && num.end_pos < limb_count;
+/* True for a finite, non-zero record whose positions a kernel may read between; the kernel itself tests the
+ * limbs. */
+bool is_ordinary(const QZCICalcNumber& num) {
+    return num.is_zero == 0 && num.num_infinity == 0 && num.start_pos >= 0 && num.start_pos <= num.end_pos &&
+           num.end_pos < limb_count;
 }
 
 limbs::Magnitude magnitude(const QZCICalcNumber& num) {
@@ -42,16 +44,43 @@ void set_fields(QZCICalcNumber& num, limbs::Extent extent, sb1 sign) {
     num.is_zero = extent.first < 0 ? sb1{1} : sb1{0};
 }
 
-bool try_product(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, QZCICalcNumber& product) {
-    if (!is_placed(a) || !is_placed(b) || a.start_pos + b.start_pos < units_limb) {
+/* a + b, or a - b where subtract is set. */
+bool try_sum(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, bool subtract,
+             QZCICalcNumber& result) {
+    if (!is_ordinary(a) || !is_ordinary(b) || !has_sign(a) || !has_sign(b)) {
         return false;
     }
+    const limbs::Aligned operands = {a.data_part, b.data_part, std::min(a.start_pos, b.start_pos),
+                                     std::max(a.end_pos, b.end_pos)};
+    limbs::Extent extent = {-1, -1};
+    sb1 sign = a.num_signed;
+    if ((a.num_signed == b.num_signed) != subtract) {
+        if (!t.counted(Stretch::sum, limbs::kernels().sum(operands, result.data_part, extent))) {
+            return false;
+        }
+    } else {
+        bool a_is_larger = false;
+        if (!t.counted(Stretch::difference,
+                       limbs::kernels().difference(operands, result.data_part, extent, a_is_larger))) {
+            return false;
+        }
+        sign = a_is_larger ? sign : static_cast<sb1>(-sign);
+    }
+    set_fields(result, extent, sign);
+    return true;
+}
+
+bool try_product(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, QZCICalcNumber& product) {
+    if (!is_ordinary(a) || !is_ordinary(b) || a.start_pos + b.start_pos < units_limb) {
+        return false;
+    }
+    const sb1 sign = sign_product(a, b);
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::product,
                    limbs::kernels().product(magnitude(a), magnitude(b), product.data_part, extent))) {
         return false;
     }
-    set_fields(product, extent, sign_product(a, b));
+    set_fields(product, extent, sign);
     return true;
 }
 
@@ -60,30 +89,38 @@ bool try_quotient_by_limb(Trace t, const QZCICalcNumber& dividend, const QZCICal
     const ub4 divisor_limb = divisor.data_part[divisor.start_pos];
     const int shift = units_limb - divisor.start_pos;
     const int start = dividend.start_pos + shift;
-    if (!is_placed(dividend) || start < 1 || start >= limb_count || divisor_limb >= limb_base) {
+    if (start < 1 || start >= limb_count || divisor_limb >= limb_base || divisor_limb == 0) {
         return false;
     }
+    const sb1 sign = sign_product(dividend, divisor);
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::quotient_by_limb,
                    limbs::kernels().quotient_by_limb(magnitude(dividend), divisor_limb, shift,
                                                      quotient.data_part, extent))) {
         return false;
     }
-    set_fields(quotient, extent, sign_product(dividend, divisor));
+    set_fields(quotient, extent, sign);
     return true;
 }
 
 bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber& divisor,
                   QZCICalcNumber& quotient) {
-    if (!is_placed(dividend) || divisor.data_part[divisor.start_pos] == 0) {
+    if (!is_ordinary(dividend) || !is_ordinary(divisor)) {
         return false;
     }
+    if (divisor.start_pos == divisor.end_pos) {
+        return try_quotient_by_limb(t, dividend, divisor, quotient);
+    }
+    if (divisor.start_pos - dividend.start_pos >= units_limb || divisor.data_part[divisor.start_pos] == 0) {
+        return false;
+    }
+    const sb1 sign = sign_product(dividend, divisor);
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::quotient, limbs::kernels().quotient(magnitude(dividend), magnitude(divisor),
                                                                 quotient.data_part, extent))) {
         return false;
     }
-    set_fields(quotient, extent, sign_product(dividend, divisor));
+    set_fields(quotient, extent, sign);
     return true;
 }
 
@@ -364,9 +401,6 @@ void align_product(Trace t, ub4* tmp_data_part, int new_len, int exp_sum, sb1 si
 /* The product of two finite, non-zero records. */
 sword multiply(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
                QZCICalcNumber& cproduct) {
-    if (t.fast && try_product(t, *multiplicand, *multiplier, cproduct)) {
-        return OCI_SUCCESS;
-    }
     const int exp_sum = (units_limb - multiplicand->end_pos) + (units_limb - multiplier->end_pos);
     const QZCICalcNumber* mul1 = multiplier;
     const QZCICalcNumber* mul2 = multiplicand;
@@ -535,9 +569,6 @@ sword divide_long(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber*
     if (n < 2 || !has_walkable_limbs(*divisor) || !has_walkable_limbs(*dividend)) {
         QZOCI_MALFORMED("QZCICalcNumDiv");
         return OCI_ERROR;
-    }
-    if (t.fast && try_quotient(t, *dividend, *divisor, cresult)) {
-        return OCI_SUCCESS;
     }
     QZOCI_DEBUG(t, "Donald Knuth Algo D. start: dividend:%p divisor:%p, m:%d, n:%d", ptr(dividend),
                 ptr(divisor), quotient_top, n);
@@ -761,6 +792,9 @@ sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, Q
     if (augend == nullptr || addend == nullptr || sump == nullptr) {
         QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
     }
+    if (t.fast && try_sum(t, *augend, *addend, false, *sump)) {
+        return OCI_SUCCESS;
+    }
     QZCICalcNumber cresult = canonical_zero();
     const sword status = sum_of(t, augend, addend, cresult);
     if (status == OCI_SUCCESS) {
@@ -775,6 +809,9 @@ sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahe
                 ptr(subtrahend), ptr(remainderp));
     if (minuend == nullptr || subtrahend == nullptr || remainderp == nullptr) {
         return OCI_INVALID_HANDLE;
+    }
+    if (t.fast && try_sum(t, *minuend, *subtrahend, true, *remainderp)) {
+        return OCI_SUCCESS;
     }
     QZCICalcNumber cremainder = canonical_zero();
     const sword status = difference_of(t, minuend, subtrahend, cremainder);
@@ -791,6 +828,9 @@ sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* mul
                 ptr(multiplicand), ptr(multiplier), ptr(productp));
     if (multiplicand == nullptr || multiplier == nullptr || productp == nullptr) {
         return OCI_INVALID_HANDLE;
+    }
+    if (t.fast && try_product(t, *multiplicand, *multiplier, *productp)) {
+        return OCI_SUCCESS;
     }
     QZCICalcNumber cproduct = canonical_zero();
     sword status = OCI_SUCCESS;
@@ -863,10 +903,6 @@ sword div_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber
         QZOCI_LEAVE(t, name, OCI_ERROR);
     }
     QZCICalcNumber cresult = canonical_zero();
-    if (t.fast && try_quotient_by_limb(t, *dividend, *divisor, cresult)) {
-        *resultp = cresult;
-        QZOCI_LEAVE(t, name, OCI_SUCCESS);
-    }
     ub4 qut[limb_count] = {};
     const int length = single_limb_quotient(t, dividend, divisor, qut);
     auto exp_pow = static_cast<sb1>(divisor->start_pos - dividend->start_pos);
@@ -932,6 +968,9 @@ sword div(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor
                 ptr(divisor), ptr(resultp));
     if (dividend == nullptr || divisor == nullptr || resultp == nullptr) {
         return OCI_INVALID_HANDLE;
+    }
+    if (t.fast && try_quotient(t, *dividend, *divisor, *resultp)) {
+        return OCI_SUCCESS;
     }
     if (divisor->is_zero != 0) {
         QZOCI_ERROR("QZCICalcNumDiv: the divisor is zeor");

@@ -6,6 +6,8 @@
 
 namespace qzoci::limbs {
 
+bool sum_avx512(const Aligned& operands, Limb* result, Extent& extent);
+bool difference_avx512(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger);
 bool product_avx512(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);
 bool half_avx512(const Magnitude& a, Limb* result, Extent& extent);
 

@@ -17,12 +17,12 @@
 namespace qzoci::limbs {
 namespace {
 
-constexpr Kernels portable_kernels = {product_portable, half_portable, quotient_by_limb_portable,
-                                      quotient_portable};
+constexpr Kernels portable_kernels = {sum_portable,  difference_portable,       product_portable,
+                                      half_portable, quotient_by_limb_portable, quotient_portable};
 
 #if QZOCI_HAS_X86_KERNELS
-constexpr Kernels avx512_kernels = {product_avx512, half_avx512, quotient_by_limb_portable,
-                                    quotient_portable};
+constexpr Kernels avx512_kernels = {sum_avx512,  difference_avx512,         product_avx512,
+                                    half_avx512, quotient_by_limb_portable, quotient_portable};
 
 bool has_avx512() {
     __builtin_cpu_init();

@@ -32,9 +32,25 @@ struct Extent {
     int last;
 };
 
+/* Two operands of an addition or subtraction. Unlike elsewhere, both count over first..last, the union of
+ * their own extents, and a comparison takes all 40 limbs. Precondition: 0 <= first <= last <= 39. */
+struct Aligned {
+    const Limb* a;
+    const Limb* b;
+    int first;
+    int last;
+};
+
 /* Kernels of one instruction set. A result array has room for 40 limbs, all of which are written, and may be
  * an operand's. */
 struct Kernels {
+    /* The sum. False also where a carry reaches limb 0. */
+    bool (*sum)(const Aligned& operands, Limb* result, Extent& extent);
+
+    /* The difference of the larger and the smaller operand, and which of them is larger. False also where all
+     * limbs are equal. */
+    bool (*difference)(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger);
+
     /* The product rounded at limb 39: up from 50000000 in limb 40, a limb 39 of 99999999 up to 1 without a
      * carry. A limb above limb 0 is dropped. Precondition: a.first + b.first >= 19. */
     bool (*product)(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);

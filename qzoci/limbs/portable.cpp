@@ -110,6 +110,57 @@ Extent extent_within(const Limb* limbs, int first, int last) {
     return {first, last};
 }
 
+bool sum_portable(const Aligned& operands, Limb* result, Extent& extent) {
+    Limb sums[limb_count] = {};
+    Limb carry = 0;
+    Limb seen = 0;
+    for (int i = operands.last; i >= operands.first; --i) {
+        const Limb a = operands.a[i];
+        const Limb b = operands.b[i];
+        seen = std::max({seen, a, b});
+        const Limb sum = a + b + carry;
+        carry = sum >= base ? 1 : 0;
+        sums[i] = sum - (carry != 0 ? base : 0);
+    }
+    if (seen >= base || (carry != 0 && operands.first <= 1)) {
+        return false;
+    }
+    const int first = operands.first - static_cast<int>(carry);
+    if (carry != 0) {
+        sums[first] = 1;
+    }
+    std::copy(sums, sums + limb_count, result);
+    extent = extent_within(result, first, operands.last);
+    return true;
+}
+
+/* A borrow out of the first limb, which only limbs outside first..last can cause, declines. */
+bool difference_portable(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger) {
+    const auto [in_a, in_b] = std::mismatch(operands.a, operands.a + limb_count, operands.b);
+    if (in_a == operands.a + limb_count) {
+        return false;
+    }
+    const bool larger_is_a = *in_a > *in_b;
+    const Limb* const larger = larger_is_a ? operands.a : operands.b;
+    const Limb* const smaller = larger_is_a ? operands.b : operands.a;
+    Limb differences[limb_count] = {};
+    Limb borrow = 0;
+    Limb seen = 0;
+    for (int i = operands.last; i >= operands.first; --i) {
+        seen = std::max({seen, larger[i], smaller[i]});
+        const Limb subtrahend = smaller[i] + borrow;
+        borrow = larger[i] < subtrahend ? 1 : 0;
+        differences[i] = larger[i] + (borrow != 0 ? base : 0) - subtrahend;
+    }
+    if (seen >= base || borrow != 0) {
+        return false;
+    }
+    std::copy(differences, differences + limb_count, result);
+    extent = extent_within(result, operands.first, operands.last);
+    a_is_larger = larger_is_a;
+    return true;
+}
+
 /* Short product: columns below last_column are left out. What they are worth is less than
  * 40 * 10^16 * (1 + 10^-8 + ...) units of column 43, hence less than 42 units of column 41. So the deciding
  * limb is the true one unless limb 41 >= base - 42; and a deciding limb that is one too small matters only

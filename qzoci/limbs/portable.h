@@ -13,6 +13,8 @@ bool is_canonical(const Magnitude& a);
 /* The extent of a result whose limbs outside first..last are zero. */
 Extent extent_within(const Limb* limbs, int first, int last);
 
+bool sum_portable(const Aligned& operands, Limb* result, Extent& extent);
+bool difference_portable(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger);
 bool product_portable(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);
 bool half_portable(const Magnitude& a, Limb* result, Extent& extent);
 bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shift, Limb* result,
