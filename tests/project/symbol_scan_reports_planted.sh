@@ -3,6 +3,11 @@
 # shellcheck source=tests/project/lib.sh
 source "$(dirname "$0")/lib.sh"
 enter_work_folder
+mkdir two
+
+scan() {
+    "$SOURCE/tests/project/symbol_scan.sh" "$1"
+}
 
 cat >faulty.cpp <<'SOURCE'
 #include <stdexcept>
@@ -28,8 +33,7 @@ size_t length(int i) { return std::strlen(relocated_only_once[i]); }
 SOURCE
 "$CXX" -std=c++20 -O2 -fPIC -c faultless.cpp
 
-scan=$SOURCE/tests/project/symbol_scan.sh
-if "$scan" faulty.o >findings; then
+if scan faulty.o >findings; then
     fail "the faulty object passes"
 fi
 for finding in "writable data: .bss" "writable data: .data" "writable data: .tdata" "reference: malloc" \
@@ -41,4 +45,19 @@ done
 if grep -q -F '.data.rel.ro' findings; then
     fail "data that is read-only after relocation is reported"
 fi
-"$scan" faultless.o || fail "the faultless object does not pass"
+scan faultless.o || fail "the faultless object does not pass"
+
+# The one datum allowed is an int of the dispatch.
+cat >dispatch.cpp <<'SOURCE'
+int cached_level;
+SOURCE
+cp dispatch.cpp other.cpp
+(cat dispatch.cpp && echo 'int second;') >two/dispatch.cpp
+for file in dispatch.cpp other.cpp two/dispatch.cpp; do
+    "$CXX" -O2 -fPIC -c "$file" -o "$file.o"
+    ar rc "$file.a" "$file.o"
+done
+scan dispatch.cpp.a || fail "the cached level is reported"
+for archive in other.cpp.a two/dispatch.cpp.a; do
+    expect_equal "$archive" "writable data: .bss" "$(scan "$archive")"
+done
