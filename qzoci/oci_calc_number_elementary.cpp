@@ -1,6 +1,7 @@
 #include "qzoci/oci_calc_number_elementary.h"
 
 #include "qzoci/limbs/exact_root.h"
+#include "qzoci/limbs/square_root.h"
 
 #include <algorithm>
 #include <cmath>
@@ -165,8 +166,55 @@ sword heron_step(Trace t, const QZCICalcNumber* number, const QZCICalcNumber& cu
     return OCI_SUCCESS;
 }
 
+/* True for a guess without limbs below limb 29 whose square, exact then, is number. */
+bool is_exact_root(Trace t, const QZCICalcNumber& number, const QZCICalcNumber& guess) {
+    QZCICalcNumber square;
+    return guess.end_pos <= 29 && mul(t, &guess, &guess, &square) == OCI_SUCCESS &&
+           QZCICalcNumCompare(&square, &number) == 0;
+}
+
+/* Jumps to where the iteration ends: to a root that is a fixed point of its step and alone in its
+ * neighbourhood, or to an exact one that its step keeps. Digit for digit the walk's result but for the
+ * possibility that limbs::is_isolated_fixed_point names, below 10^-18 a call; an engine built with
+ * QZOCI_CERTIFIED_ROOT_ONLY always walks. */
+bool try_root(Trace t, const QZCICalcNumber& number, QZCICalcNumber& cresult) {
+#ifdef QZOCI_CERTIFIED_ROOT_ONLY
+    static_cast<void>(t);
+    static_cast<void>(number);
+    static_cast<void>(cresult);
+    return false;
+#else
+    if (!is_limb_index(number.start_pos) || number.start_pos > number.end_pos ||
+        !is_limb_index(number.end_pos)) {
+        return false;
+    }
+    const limbs::Magnitude radicand = {number.data_part, number.start_pos, number.end_pos};
+    QZCICalcNumber guess = canonical_zero();
+    limbs::Extent extent = {-1, -1};
+    if (!limbs::nearest_root(radicand, guess.data_part, extent)) {
+        return t.counted(Stretch::root, false);
+    }
+    guess.start_pos = static_cast<sb1>(extent.first);
+    guess.end_pos = static_cast<sb1>(extent.last);
+    guess.is_zero = 0;
+    bool ends_here = limbs::is_isolated_fixed_point(radicand, {guess.data_part, extent.first, extent.last});
+    if (!ends_here && is_exact_root(t, number, guess)) {
+        QZCICalcNumber next;
+        ends_here = heron_step(t, &number, guess, one_half(), next) == OCI_SUCCESS &&
+                    QZCICalcNumCompare(&next, &guess) == 0;
+    }
+    if (ends_here) {
+        cresult = guess;
+    }
+    return t.counted(Stretch::root, ends_here);
+#endif
+}
+
 /* The root of a positive finite record: the first guess that a step leaves unchanged. */
 sword iterate_root(Trace t, const QZCICalcNumber* number, QZCICalcNumber& cresult) {
+    if (t.fast && try_root(t, *number, cresult)) {
+        return OCI_SUCCESS;
+    }
     const QZCICalcNumber half_num = one_half();
     QZCICalcNumber new_guess = canonical_zero();
     QZCICalcNumber cur_guess;

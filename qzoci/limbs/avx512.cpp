@@ -1,8 +1,8 @@
 #include "qzoci/limbs/avx512.h"
 
 #if defined(__GNUC__) && !defined(__clang__)
-/* The intrinsics of GCC 12 start from a variable set to itself, which this warning takes for a use of ours (GCC bug
- * 105593). */
+/* The intrinsics of GCC 12 start from a variable set to itself, which this warning takes for a use of ours
+ * (GCC bug 105593). */
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
