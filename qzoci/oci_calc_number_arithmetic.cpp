@@ -20,6 +20,11 @@ bool has_walkable_limbs(const QZCICalcNumber& num) {
     return is_walkable(num.start_pos, num.end_pos);
 }
 
+bool has_canonical_limbs(const QZCICalcNumber& num) {
+    return std::all_of(num.data_part + num.start_pos, num.data_part + num.end_pos + 1,
+                       [](ub4 limb) { return limb < limb_base; });
+}
+
 /* ---- Fast kernels ----
  * Each try_ function finishes its stretch with the digits and flags of the plain steps, straight into the
  * caller's record, or is false with nothing written. */
@@ -488,9 +493,9 @@ bool try_trial_digit(ub8 j, ub8 n, const ub4* u, const ub4* v, ub8& qq) {
     return true;
 }
 
-/* Scales u and v by the normalising factor d and divides: quotient[m..0]. u is left with the scaled
+/* Scales u and v by the normalising factor d and divides: quotient[m..last]. u is left with the scaled
  * remainder. False: a step would divide by zero, or a digit does not settle. */
-bool divide_scaled(ub4* u, ub4* v, sb1 m, sb1 n, ub4* quotient, ub8& d) {
+bool divide_scaled(ub4* u, ub4* v, sb1 m, sb1 n, int last, ub4* quotient, ub8& d) {
     const ub8 top = v[n - 1];
     d = limb_base / (top + 1);
     if (d == 0) {
@@ -498,7 +503,7 @@ bool divide_scaled(ub4* u, ub4* v, sb1 m, sb1 n, ub4* quotient, ub8& d) {
     }
     calc_mul(u, static_cast<sb1>(m + n), d);
     calc_mul(v, n, d);
-    for (int j = m; j >= 0; --j) {
+    for (int j = m; j >= last; --j) {
         ub8 qq = 0;
         if (!try_trial_digit(static_cast<ub8>(j), static_cast<ub8>(n), u, v, qq)) {
             return false;
@@ -511,7 +516,7 @@ bool divide_scaled(ub4* u, ub4* v, sb1 m, sb1 n, ub4* quotient, ub8& d) {
 
 bool divide_with_remainder(ub4* u, ub4* v, sb1 m, sb1 n, ub4* quotient, ub4* remainder) {
     ub8 d = 0;
-    if (!divide_scaled(u, v, m, n, quotient, d)) {
+    if (!divide_scaled(u, v, m, n, 0, quotient, d)) {
         return false;
     }
     std::copy(u, u + n, remainder);
@@ -579,8 +584,14 @@ sword divide_long(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber*
     const int dividend_limbs = std::max(dividend->end_pos - dividend->start_pos + 1, 0);
     load_reversed(*dividend, dividend->end_pos, dividend->start_pos, u + n + limb_count + 1 - dividend_limbs);
     load_reversed(*divisor, divisor->end_pos, divisor->start_pos, v);
+    /* The digits after the rounding one are never looked at; limbs above 99999999 alone can make a step that
+     * forms them impossible. */
+    const bool stops_early =
+        t.fast && is_ordinary(*dividend) && has_canonical_limbs(*dividend) && has_canonical_limbs(*divisor);
+    const int placed = std::max(limb_count - (units_limb - diff), 0);
     ub8 d = 0;
-    if (!divide_scaled(u, v, quotient_top, static_cast<sb1>(n), quotient, d)) {
+    if (!divide_scaled(u, v, quotient_top, static_cast<sb1>(n), stops_early ? quotient_top - placed : 0,
+                       quotient, d)) {
         QZOCI_MALFORMED("QZCICalcNumDiv");
         return OCI_ERROR;
     }
