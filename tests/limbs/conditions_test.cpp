@@ -1,0 +1,238 @@
+/* Where a fast kernel declines: each condition from both sides, with a tally that shows which way was taken,
+ * and the plain steps' digits either way. */
+#include "qzoci/oci_calc_number_elementary.h"
+#include "tests/support/records.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace qzoci::test {
+namespace {
+
+using engine::Stretch;
+using engine::Tally;
+using engine::Trace;
+
+using Binary = sword (*)(Trace, const QZCICalcNumber*, const QZCICalcNumber*, QZCICalcNumber*);
+
+enum class Taken { not_tried, finished, declined };
+
+/* Runs the operation on the plain and the fast side, expects one result, and tells what the kernel of the
+ * stretch did. */
+Taken taken(Binary operation, Stretch stretch, const QZCICalcNumber& a, const QZCICalcNumber& b) {
+    QZCICalcNumber plain = poison_record();
+    QZCICalcNumber fast = poison_record();
+    Tally tally = {};
+    const sword status = operation({false, false}, &a, &b, &plain);
+    EXPECT_EQ(operation({false, true, &tally}, &a, &b, &fast), status);
+    EXPECT_EQ(fast, plain);
+    const auto i = static_cast<int>(stretch);
+    return tally.tried[i] == 0      ? Taken::not_tried
+           : tally.declined[i] == 0 ? Taken::finished
+                                    : Taken::declined;
+}
+
+Taken taken_for_root(const QZCICalcNumber& number) {
+    const auto root = [](Trace t, const QZCICalcNumber* a, const QZCICalcNumber*, QZCICalcNumber* result) {
+        return engine::sqrt(t, a, result);
+    };
+    return taken(root, Stretch::root, number, number);
+}
+
+QZCICalcNumber decimal(const char* text) {
+    return record_from_decimal(text);
+}
+
+/* 4 / 2.03 has limbs above 99999999. */
+QZCICalcNumber record_with_large_limbs() {
+    const QZCICalcNumber four = decimal("4");
+    const QZCICalcNumber divisor = decimal("2.03");
+    QZCICalcNumber quotient;
+    engine::div({false, false}, &four, &divisor, &quotient);
+    return quotient;
+}
+
+TEST(FastKernels, DeclineLimbsAbove99999999) {
+    const QZCICalcNumber large = record_with_large_limbs();
+    const QZCICalcNumber wide = decimal("1.0000000200000003");
+    EXPECT_EQ(taken(engine::add, Stretch::sum, large, wide), Taken::declined);
+    EXPECT_EQ(taken(engine::sub, Stretch::difference, large, wide), Taken::declined);
+    EXPECT_EQ(taken(engine::mul, Stretch::product, large, wide), Taken::declined);
+    EXPECT_EQ(taken(engine::mul, Stretch::product, wide, large), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, large, wide), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, large, decimal("3")), Taken::declined);
+    EXPECT_EQ(taken_for_root(large), Taken::declined);
+    EXPECT_EQ(taken(engine::add, Stretch::sum, wide, wide), Taken::finished);
+}
+
+TEST(FastKernels, LeaveZerosAndInfinitiesToThePlainSteps) {
+    const QZCICalcNumber two = decimal("2");
+    for (const char* special : {"0", "-0", "inf", "-inf"}) {
+        EXPECT_EQ(taken(engine::add, Stretch::sum, decimal(special), two), Taken::not_tried) << special;
+        EXPECT_EQ(taken(engine::mul, Stretch::product, two, decimal(special)), Taken::not_tried) << special;
+        EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal(special), decimal("1.5")), Taken::not_tried)
+            << special;
+    }
+}
+
+TEST(FastSum, DeclinesACarryIntoLimb0) {
+    const QZCICalcNumber limb_1_full = record_from_limbs({{1, 99999999}});
+    EXPECT_EQ(taken(engine::add, Stretch::sum, limb_1_full, record_from_limbs({{1, 1}})), Taken::declined);
+    EXPECT_EQ(
+        taken(engine::add, Stretch::sum, record_from_limbs({{0, 99999999}}), record_from_limbs({{0, 1}})),
+        Taken::declined);
+    EXPECT_EQ(taken(engine::add, Stretch::sum, limb_1_full, record_from_limbs({{2, 1}})), Taken::finished);
+    EXPECT_EQ(
+        taken(engine::add, Stretch::sum, record_from_limbs({{2, 99999999}}), record_from_limbs({{2, 1}})),
+        Taken::finished);
+}
+
+TEST(FastSum, CarriesThroughFullLimbs) {
+    const QZCICalcNumber nines = decimal("99999999999999999999999999999999.99999999999999999999999999999999");
+    EXPECT_EQ(taken(engine::add, Stretch::sum, nines, decimal("0.00000000000000000000000000000001")),
+              Taken::finished);
+    EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("1e32"), decimal("1e-160")), Taken::finished);
+}
+
+TEST(FastDifference, DeclinesEqualMagnitudes) {
+    EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("5.25"), decimal("5.25")), Taken::declined);
+    EXPECT_EQ(taken(engine::add, Stretch::difference, decimal("5.25"), decimal("-5.25")), Taken::declined);
+    EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("5.25"), decimal("5.24")), Taken::finished);
+}
+
+/* The product by 1 + 10^-160 has in column c >= 39 the limb a_(c - 20), and a_19 more in column 39. */
+QZCICalcNumber one_and_the_last_place() {
+    return record_from_limbs({{19, 1}, {39, 1}});
+}
+
+TEST(FastProduct, DeclinesAnInconclusiveDecidingLimb) {
+    const auto product_of = [](ub4 limb_40, ub4 limb_41) {
+        return taken(engine::mul, Stretch::product,
+                     record_from_limbs({{19, 3}, {20, limb_40}, {21, limb_41}, {30, 7}, {39, 5}}),
+                     one_and_the_last_place());
+    };
+    EXPECT_EQ(product_of(49999999, 99999999), Taken::declined);
+    EXPECT_EQ(product_of(49999999, 99999958), Taken::declined);
+    EXPECT_EQ(product_of(49999999, 99999957), Taken::finished);
+    EXPECT_EQ(product_of(49999998, 99999999), Taken::finished);
+    EXPECT_EQ(product_of(50000000, 99999999), Taken::finished);
+}
+
+TEST(FastProduct, DeclinesALastLimbOf99999999WhereColumnsAreLeftOut) {
+    const auto product_of = [](ub4 limb_39) {
+        return taken(engine::mul, Stretch::product,
+                     record_from_limbs({{20, 99999999}, {30, 7}, {39, limb_39}}), one_and_the_last_place());
+    };
+    EXPECT_EQ(product_of(99999999), Taken::declined);
+    EXPECT_EQ(product_of(99999998), Taken::finished);
+}
+
+TEST(FastProduct, RoundsALastLimbOf99999999UpTo1) {
+    const QZCICalcNumber a = record_from_limbs({{30, 99999999}, {31, 50000000}});
+    const QZCICalcNumber b = record_from_limbs({{28, 1}});
+    EXPECT_EQ(taken(engine::mul, Stretch::product, a, b), Taken::finished);
+    QZCICalcNumber product;
+    engine::mul({false, true}, &a, &b, &product);
+    EXPECT_EQ(product, record_from_limbs({{39, 1}}));
+}
+
+TEST(FastProduct, IsNotTriedWhereTheProductIsInfinite) {
+    EXPECT_EQ(taken(engine::mul, Stretch::product, decimal("1e80"), decimal("1e80")), Taken::not_tried);
+    /* 10^79 * 10^81 loses its top limb and is zero. */
+    EXPECT_EQ(taken(engine::mul, Stretch::product, decimal("1e79"), decimal("1e81")), Taken::finished);
+}
+
+TEST(FastQuotientByLimb, IsNotTriedOutsideTheRecord) {
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("1e152"), decimal("1")),
+              Taken::not_tried);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("1e16")),
+              Taken::not_tried);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("1e151"), decimal("1")), Taken::finished);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("7")),
+              Taken::finished);
+}
+
+TEST(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
+    /* The leading limb 1 gives the factor 50000000, and 2 * 50000000 is 10^8. */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.0000000300000002")),
+              Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.0000000300000005")),
+              Taken::finished);
+    /* A carry into that limb makes it 10^8 and more, which carries as usual. */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.000000020000000700000009")),
+              Taken::finished);
+}
+
+TEST(FastQuotient, TakesADividendThatScalesToALimbOf100000000WhereDigitsStayInside) {
+    const QZCICalcNumber divisor = decimal("1.414213562373095048801688724209698078569671875376948073176679");
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), divisor), Taken::finished);
+    /* 2 / 1.00000005... begins 1.99999990...: a digit near 99999999. */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), decimal("1.000000000000000100000007")),
+              Taken::declined);
+}
+
+TEST(FastQuotient, DeclinesATwoLimbDivisorWhoseLowerScaledLimbIsLarger) {
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("4"), decimal("2.03")), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("12.5")), Taken::finished);
+}
+
+TEST(FastQuotient, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
+    /* Leading limb 50000000: factor 1. The quotient's leading digit 4 meets the divisor limb 25000000 = 10^8
+     * / 4. */
+    const QZCICalcNumber divisor = decimal("50000000.250000000000000700000003");
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("200000001.1"), divisor), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("371234567.1"), divisor), Taken::finished);
+}
+
+TEST(FastQuotient, KnowsExactQuotients) {
+    const QZCICalcNumber divisor = decimal("12345678.987654321234567898765");
+    for (const char* factor : {"7", "1234.5", "0.0000000000000001", "99999999.99999999"}) {
+        const QZCICalcNumber quotient = decimal(factor);
+        QZCICalcNumber dividend;
+        engine::mul({false, false}, &divisor, &quotient, &dividend);
+        taken(engine::div, Stretch::quotient, dividend, divisor);
+        QZCICalcNumber result;
+        engine::div({false, true}, &dividend, &divisor, &result);
+        EXPECT_EQ(result, quotient) << factor;
+    }
+}
+
+TEST(FastRoot, JumpsToAnIsolatedRoot) {
+    EXPECT_EQ(taken_for_root(decimal("3")), Taken::finished);
+    EXPECT_EQ(taken_for_root(decimal("7.00000000000000000000000001")), Taken::finished);
+}
+
+TEST(FastRoot, JumpsToAnExactRoot) {
+    EXPECT_EQ(taken_for_root(decimal("1e100")), Taken::finished);
+    EXPECT_EQ(taken_for_root(decimal("1e-80")), Taken::finished);
+    EXPECT_EQ(taken_for_root(decimal("152415787532388367501905199875019052100")), Taken::finished);
+}
+
+/* The root of 2 scales its number to a limb of 10^8. */
+TEST(FastRoot, WalksWhereTheNumberScalesToALimbOf100000000) {
+    EXPECT_EQ(taken_for_root(decimal("2")), Taken::declined);
+}
+
+/* The iteration ends 21 units of the last place above the root: a product limb of 10^8 meets a borrow and a
+ * zero limb. A jump without the test of isolation would be wrong here. */
+TEST(FastRoot, WalksToAnEndThatIsNotTheRoot) {
+    const QZCICalcNumber number =
+        decimal("3.948383042540899942601033785142013664150640921121823297494522481044947174508251"
+                "6706084711236717707734206413648184133600498949746975858676740138817488979834455918");
+    EXPECT_EQ(taken_for_root(number), Taken::declined);
+    QZCICalcNumber root;
+    engine::sqrt({false, true}, &number, &root);
+    EXPECT_EQ(root.data_part[39], 72441857U);
+}
+
+/* Two neighbouring guesses satisfy the condition for an end. */
+TEST(FastRoot, WalksWhereTwoEndsAreSideBySide) {
+    const QZCICalcNumber number =
+        decimal("0.649439026817810204357118806767576036108813261818247901850229812548849268640787"
+                "5719025215689535028404439403410823941189675875514073587611226924320309633094962877");
+    EXPECT_EQ(taken_for_root(number), Taken::declined);
+}
+
+} // namespace
+} // namespace qzoci::test
