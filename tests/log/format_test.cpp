@@ -45,13 +45,10 @@ TEST_F(LogFormat, KeepsAnEmptyLine) {
 }
 
 TEST_F(LogFormat, KeepsLinesOfEveryLengthWhole) {
-    std::size_t count = 0;
-    for (const std::size_t length :
-         {1UL, 248UL, 249UL, 250UL, 251UL, 252UL, 499UL, 500UL, 4095UL, 4096UL, 100000UL}) {
+    for (std::size_t length = 1; length <= 100000; length += length < 1100 ? 1 : length / 3) {
         const std::string word(length, 'x');
-        qzoci_log_inner(LOG_LEVEL_DEBUG, "file", 1, "<%s> %d", word.c_str(), 42);
-        ASSERT_EQ(collector.lines().size(), ++count);
-        EXPECT_EQ(collector.texts().back(), "<" + word + "> 42") << length;
+        qzoci_log_inner(LOG_LEVEL_DEBUG, "file", 1, "%s>", word.c_str());
+        ASSERT_EQ(collector.last_text(), word + ">");
     }
 }
 

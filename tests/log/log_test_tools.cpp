@@ -85,6 +85,11 @@ std::vector<std::string> Collector::texts() const {
     return texts;
 }
 
+std::string Collector::last_text() const {
+    const std::lock_guard lock(mutex_);
+    return lines_.back().text;
+}
+
 CommandOutcome run_command(const std::string& command) {
     const TemporaryFolder folder;
     const std::string out = folder / "out";

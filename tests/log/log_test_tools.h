@@ -64,6 +64,9 @@ public:
     std::vector<ReceivedLine> lines() const;
     std::vector<std::string> texts() const;
 
+    /* Precondition: at least one line has come. */
+    std::string last_text() const;
+
 private:
     mutable std::mutex mutex_;
     std::vector<ReceivedLine> lines_;
