@@ -89,19 +89,17 @@ bool try_product(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, QZCI
     return true;
 }
 
-bool try_quotient_by_limb(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber& divisor,
+/* The divisor stands at limb units_limb - shift. */
+bool try_quotient_by_limb(Trace t, const QZCICalcNumber& dividend, ub4 divisor, int shift, sb1 sign,
                           QZCICalcNumber& quotient) {
-    const ub4 divisor_limb = divisor.data_part[divisor.start_pos];
-    const int shift = units_limb - divisor.start_pos;
     const int start = dividend.start_pos + shift;
-    if (start < 1 || start >= limb_count || divisor_limb >= limb_base || divisor_limb == 0) {
+    if (start < 1 || start >= limb_count || divisor >= limb_base || divisor == 0) {
         return false;
     }
-    const sb1 sign = sign_product(dividend, divisor);
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::quotient_by_limb,
-                   limbs::kernels().quotient_by_limb(magnitude(dividend), divisor_limb, shift,
-                                                     quotient.data_part, extent))) {
+                   limbs::kernels().quotient_by_limb(magnitude(dividend), divisor, shift, quotient.data_part,
+                                                     extent))) {
         return false;
     }
     set_fields(quotient, extent, sign);
@@ -113,13 +111,14 @@ bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber&
     if (!is_ordinary(dividend) || !is_ordinary(divisor)) {
         return false;
     }
+    const sb1 sign = sign_product(dividend, divisor);
     if (divisor.start_pos == divisor.end_pos) {
-        return try_quotient_by_limb(t, dividend, divisor, quotient);
+        return try_quotient_by_limb(t, dividend, divisor.data_part[divisor.start_pos],
+                                    units_limb - divisor.start_pos, sign, quotient);
     }
     if (divisor.start_pos - dividend.start_pos >= units_limb || divisor.data_part[divisor.start_pos] == 0) {
         return false;
     }
-    const sb1 sign = sign_product(dividend, divisor);
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::quotient, limbs::kernels().quotient(magnitude(dividend), magnitude(divisor),
                                                                 quotient.data_part, extent))) {
@@ -795,6 +794,23 @@ sword round_to_integer(Trace t, const IntegerRounding& rounding, const QZCICalcN
 }
 
 } // namespace
+
+bool try_quotient_by_integer(Trace t, const QZCICalcNumber& dividend, sb8 divisor, QZCICalcNumber& quotient) {
+    return t.fast && is_ordinary(dividend) && divisor > 0 && divisor < limb_base &&
+           try_quotient_by_limb(t, dividend, static_cast<ub4>(divisor), 0, dividend.num_signed, quotient);
+}
+
+bool try_half(Trace t, QZCICalcNumber& num) {
+    if (!t.fast || !is_ordinary(num)) {
+        return false;
+    }
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::half, limbs::kernels().half(magnitude(num), num.data_part, extent))) {
+        return false;
+    }
+    set_fields(num, extent, num.num_signed);
+    return true;
+}
 
 sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump) {
     constexpr const char* name = "QZCICalcNumAdd";

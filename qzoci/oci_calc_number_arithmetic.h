@@ -7,6 +7,14 @@
 
 namespace qzoci::engine {
 
+/* quotient = dividend / divisor as div gives it for the integer divisor, or false with nothing written: where
+ * the fast side may not be taken, its kernel declines, or divisor is not in 1..99999999. */
+bool try_quotient_by_integer(Trace t, const QZCICalcNumber& dividend, sb8 divisor, QZCICalcNumber& quotient);
+
+/* num = num * 0.5 as mul gives it, or false with nothing written: where the fast side may not be taken or its
+ * kernel declines. */
+bool try_half(Trace t, QZCICalcNumber& num);
+
 sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump);
 sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
           QZCICalcNumber* remainderp);

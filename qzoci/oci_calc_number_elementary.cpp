@@ -59,9 +59,12 @@ constexpr int max_series_passes = 4096;
 void keep_sign(sb8, QZCICalcNumber&) {}
 
 sword series_pass(Trace t, const Series& s, sb8 index) {
-    const QZCICalcNumber divor = integer(s.divisor(index));
+    const sb8 divisor = s.divisor(index);
     QZOCI_FORWARD(mul(t, &s.power, &s.factor, &s.power), "%s", s.product_error);
-    QZOCI_FORWARD(div(t, &s.power, &divor, &s.term), "%s", s.quotient_error);
+    if (!try_quotient_by_integer(t, s.power, divisor, s.term)) {
+        const QZCICalcNumber divor = integer(divisor);
+        QZOCI_FORWARD(div(t, &s.power, &divor, &s.term), "%s", s.quotient_error);
+    }
     s.set_sign(index, s.term);
     QZOCI_FORWARD(add(t, &s.sum, &s.term, &s.sum), "%s", s.sum_error);
     return OCI_SUCCESS;
@@ -162,7 +165,9 @@ sword heron_step(Trace t, const QZCICalcNumber* number, const QZCICalcNumber& cu
     QZCICalcNumber tmp_result = canonical_zero();
     QZOCI_FORWARD(div(t, number, &cur_guess, &tmp_result), "QZCICalcNumSqrt: QZCICalcNumDiv error");
     QZOCI_FORWARD(add(t, &tmp_result, &cur_guess, &new_guess), "QZCICalcNumSqrt: QZCICalcNumAdd error");
-    QZOCI_FORWARD(mul(t, &new_guess, &half_num, &new_guess), "QZCICalcNumSqrt: QZCICalcNumMul error");
+    if (!try_half(t, new_guess)) {
+        QZOCI_FORWARD(mul(t, &new_guess, &half_num, &new_guess), "QZCICalcNumSqrt: QZCICalcNumMul error");
+    }
     return OCI_SUCCESS;
 }
 

@@ -204,29 +204,40 @@ bool nearest_root(const Magnitude& number, Limb* root, Extent& extent) {
 
 /* Let g* be the root, n >= 3 its limbs down to limb 39, G its leading limb, d = floor(B / (G + 1)) the long
  * division's factor, V* = d * g* with limbs v_0 (lowest) .. v_(n-1), S = 10^4, R the radius, h = R / 2 + 2.
- * Suppose (a) limb 39 of g* lies in S + R + 4 .. B - 6 - R; (b) every v_i, 2 <= i <= n - 2, is above S, and S
- * + h < v_1 < B - h; (c) every limb of g* between the leading one and limb 39 is above S; (d) for t = G and G
- * + 1 with 2 <= t <= S, no v_i, i >= 1, is within h of floor(B / t); (e) if d >= 2, floor(B / d) is no limb
- * of number, none of g* above limb 39, and not within R of limb 39; (f) limb 39 of g* is neither 80664063 nor
- * 80664064. Then g* is a fixed point of the laid-down step, and no other g within R is. Proof. Let g = g* +
- * a, |a| <= R, and T = number * 10^320.
+ * Suppose
+ *   (a) limb 39 of g* lies in S + R + 4 .. B - 6 - R;
+ *   (b) every v_i, 2 <= i <= n - 2, is above S, and S + h < v_1 < B - h;
+ *   (c) every limb of g* between the leading one and limb 39 is above S;
+ *   (d) for t = G and G + 1 with 2 <= t <= S, no v_i, i >= 1, is within h of floor(B / t);
+ *   (e) if d >= 2, floor(B / d) is no limb of number but possibly its leading one, none of g* above limb 39,
+ *       and not within R of limb 39; if it is the leading limb of number, G < B - 3;
+ *   (f) limb 39 of g* is neither 80664063 nor 80664064.
+ * Then g* is a fixed point of the laid-down step, and no other g within R is.
+ *
+ * Proof. Let g = g* + a, |a| <= R, and T = number * 10^320.
  *   1. By (a) g has the limbs of g* but for limb 39, which is in S + 4 .. B - 6; n and d are the same.
- *   2. T / g = g* - a + (a^2 + e) / g with -1.5 g* <= e < 0.5 g*, so |T / g - g*| <= R + 2: the digits of T /
- * g above limb 39 are those of g*, and the digit at limb 39 is above S.
- *   3. d * g differs from V* by at most R * B / 2: limb 1 by at most R / 2 + 1 without a carry (b), higher
- * ones not at all. So v_i > S for all i >= 1 (the leading one is at least B / 2), and (d) holds for d * g at
- * distance 0.
- *   4. By (e) and Lemma 1 of the long division, neither the scaled dividend nor d * g has a limb equal to B.
- *   5. By Lemma 3 and v_i > S a product limb i >= 1 equals B only for t <= S. The multipliers are a digit or
- * a digit + 1: 0 or 1 before the leading digit, G and G + 1 at it (d), above S for the others by (c) and 2.
- *   6. The digit below limb 39 is arbitrary; a limb B there needs t <= S < B / 2, and then the literal and
- * the true digit are both below half, so the rounding is the same, and nothing comes after.
- *   7. So all digits that matter are true (Lemma 2), the halving's oddity at 99999999 needs limb 39 to be 0
- * or 1, and a fixed point means g^2 - 1.5 g <= T < g^2 + 0.5 g. Two g satisfy that only for T = g^2 + (g - 1)
- * / 2, g odd; as T is a multiple of 10^160, that g ends in 99999999, which (a) excludes, or is the one
- * residue modulo 2 * 10^160 that (f) names. [] What this leaves open is an end of the iteration farther than
- * R from g*, at a guess whose division is wrong in just the way that holds it there; by count of the
- * coincidences needed that is less likely than 10^-18 a call. */
+ *   2. T / g = g* - a + (a^2 + e) / g with -1.5 g* <= e < 0.5 g*, so |T / g - g*| <= R + 2: the digits of
+ *      T / g above limb 39 are those of g*, and the digit at limb 39 is above S.
+ *   3. d * g differs from V* by at most R * B / 2: limb 1 by at most R / 2 + 1 without a carry (b), higher ones
+ *      not at all. So v_i > S for all i >= 1 (the leading one is at least B / 2), and (d) holds for d * g at
+ *      distance 0.
+ *   4. By (e) and Lemma 1 of the long division, d * g has no limb equal to B, and the scaled dividend at most
+ *      its leading one. That one is met by the first non-zero digit's step at the latest, and as in Lemma 4 the
+ *      step is right: an erring borrow needs a next digit of at most 4, a too small estimate a next digit of 0,
+ *      and both are above S by (c) and 2; an estimate from B instead of B - 1 needs a first digit G of at least
+ *      B - 2. The step leaves a canonical window.
+ *   5. By Lemma 3 and v_i > S a product limb i >= 1 equals B only for t <= S. The multipliers are a digit or a
+ *      digit + 1: 0 or 1 before the leading digit, G and G + 1 at it (d), above S for the others by (c) and 2.
+ *   6. The digit below limb 39 is arbitrary; a limb B there needs t <= S < B / 2, and then the literal and the
+ *      true digit are both below half, so the rounding is the same, and nothing comes after.
+ *   7. So all digits that matter are true (Lemma 2), the halving's oddity at 99999999 needs limb 39 to be 0 or
+ *      1, and a fixed point means g^2 - 1.5 g <= T < g^2 + 0.5 g. Two g satisfy that only for
+ *      T = g^2 + (g - 1) / 2, g odd; as T is a multiple of 10^160, that g ends in 99999999, which (a) excludes,
+ *      or is the one residue modulo 2 * 10^160 that (f) names. []
+ *
+ * What this leaves open is an end of the iteration farther than R from g*, at a guess whose division is wrong in
+ * just the way that holds it there; by count of the coincidences needed that is less likely than 10^-18 a
+ * call. */
 bool is_isolated_fixed_point(const Magnitude& number, const Magnitude& root) {
     const int n = root.last - root.first + 1;
     if (n < 3 || root.last != limb_count - 1) {
@@ -243,7 +254,9 @@ bool is_isolated_fixed_point(const Magnitude& number, const Magnitude& root) {
     const Limb d = base / (g[0] + 1);
     if (d >= 2) {
         const Limb suspicious = base / d;
-        if (has_limb(number.limbs + number.first, number.limbs + number.last + 1, suspicious) ||
+        const bool suspicious_lead = number.limbs[number.first] == suspicious && g[0] >= base - 3;
+        if (suspicious_lead ||
+            has_limb(number.limbs + number.first + 1, number.limbs + number.last + 1, suspicious) ||
             has_limb(g, g_last, suspicious) || is_near(last, suspicious, radius)) {
             return false;
         }

@@ -209,9 +209,11 @@ TEST(FastRoot, JumpsToAnExactRoot) {
     EXPECT_EQ(taken_for_root(decimal("152415787532388367501905199875019052100")), Taken::finished);
 }
 
-/* The root of 2 scales its number to a limb of 10^8. */
-TEST(FastRoot, WalksWhereTheNumberScalesToALimbOf100000000) {
-    EXPECT_EQ(taken_for_root(decimal("2")), Taken::declined);
+/* 2 scales to a limb of 10^8, but as its leading one; in 3.00000002 another limb does. */
+TEST(FastRoot, WalksWhereALaterLimbScalesTo100000000) {
+    EXPECT_EQ(taken_for_root(decimal("2")), Taken::finished);
+    EXPECT_EQ(taken_for_root(decimal("2.5")), Taken::finished);
+    EXPECT_EQ(taken_for_root(decimal("3.00000002")), Taken::declined);
 }
 
 /* The iteration ends 21 units of the last place above the root: a product limb of 10^8 meets a borrow and a
