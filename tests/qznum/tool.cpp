@@ -1,0 +1,117 @@
+#include "tests/qznum/tool.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace qzoci::test {
+
+namespace {
+
+[[noreturn]] void fail(int error, const char* what) {
+    throw std::system_error(error, std::generic_category(), what);
+}
+
+/* A file without a name, gone when closed. */
+class TemporaryFile {
+public:
+    TemporaryFile() : file_(std::tmpfile(), std::fclose) {
+        if (file_ == nullptr) {
+            fail(errno, "tmpfile");
+        }
+    }
+
+    int descriptor() const { return fileno(file_.get()); }
+
+    void write(std::string_view text) {
+        if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size() ||
+            std::fflush(file_.get()) != 0) {
+            fail(errno, "fwrite");
+        }
+        std::rewind(file_.get());
+    }
+
+    std::string read() {
+        std::rewind(file_.get());
+        std::string text;
+        for (int c = std::getc(file_.get()); c != EOF; c = std::getc(file_.get())) {
+            text.push_back(static_cast<char>(c));
+        }
+        return text;
+    }
+
+private:
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
+
+/* Spawns with the three files as the standard streams. */
+pid_t spawn(const std::vector<std::string>& command, int input, int output, int error_output) {
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) {
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, error_output, STDERR_FILENO);
+    pid_t process = 0;
+    const int error = posix_spawnp(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        fail(error, arguments.front());
+    }
+    return process;
+}
+
+int wait_for(pid_t process) {
+    constexpr int status_of_signal = 128;
+    int status = 0;
+    while (waitpid(process, &status, 0) == -1) {
+        if (errno != EINTR) {
+            fail(errno, "waitpid");
+        }
+    }
+    return WIFSIGNALED(status) ? status_of_signal + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+} // namespace
+
+Outcome run(const std::vector<std::string>& command, std::string_view input) {
+    TemporaryFile standard_input;
+    TemporaryFile results;
+    TemporaryFile messages;
+    standard_input.write(input);
+    const pid_t process =
+        spawn(command, standard_input.descriptor(), results.descriptor(), messages.descriptor());
+    const int status = wait_for(process);
+    return {results.read(), messages.read(), status};
+}
+
+Outcome qznum(std::vector<std::string> arguments, std::string_view input) {
+    arguments.insert(arguments.begin(), QZNUM_FOLDER "/qznum");
+    return run(arguments, input);
+}
+
+Outcome shell(const std::string& script) {
+    return run({"bash", "-c", "PATH=" QZNUM_FOLDER ":$PATH\n" + script});
+}
+
+std::vector<std::string> lines_of(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        lines.emplace_back(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return lines;
+}
+
+} // namespace qzoci::test

@@ -1,0 +1,30 @@
+/* The tool as its users run it: a process with arguments, three streams and an exit status. */
+#ifndef QZOCI_TESTS_QZNUM_TOOL_H
+#define QZOCI_TESTS_QZNUM_TOOL_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qzoci::test {
+
+struct Outcome {
+    std::string results;  /* standard output */
+    std::string messages; /* standard error */
+    int status;           /* exit status; 128 + n when signal n ended the process */
+};
+
+/* Throws std::system_error when the program cannot be started. */
+Outcome run(const std::vector<std::string>& command, std::string_view input = "");
+
+/* qznum with these arguments. */
+Outcome qznum(std::vector<std::string> arguments, std::string_view input = "");
+
+/* A script for bash, in which qznum is on the path. */
+Outcome shell(const std::string& script);
+
+std::vector<std::string> lines_of(std::string_view text);
+
+} // namespace qzoci::test
+
+#endif /* QZOCI_TESTS_QZNUM_TOOL_H */
