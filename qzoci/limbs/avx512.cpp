@@ -139,20 +139,12 @@ QZOCI_AVX512 inline void carry_pass(Columns<Vectors>& columns) {
 }
 
 /* Carries on where limbs of base to base + 42 are left: about three products in a million. */
-template <int Vectors>
-QZOCI_AVX512 __attribute__((noinline)) void ripple(Vector (&packed)[Vectors]) {
-    Limb limbs[Vectors * vector_limbs];
-    for (int v = 0; v < Vectors; ++v) {
-        _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
-    }
+QZOCI_AVX512 void ripple(Limb* limbs, int count) {
     Limb carry = 0;
-    for (int i = Vectors * vector_limbs - 1; i >= 0; --i) {
+    for (int i = count - 1; i >= 0; --i) {
         limbs[i] += carry;
         carry = limbs[i] >= base ? 1 : 0;
         limbs[i] -= carry != 0 ? base : 0;
-    }
-    for (int v = 0; v < Vectors; ++v) {
-        packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
     }
 }
 
@@ -196,7 +188,14 @@ QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bo
         excess |= _mm512_cmpge_epu32_mask(packed[v], all(base));
     }
     if (excess != 0) {
-        ripple(packed);
+        Limb limbs[Vectors * vector_limbs];
+        for (int v = 0; v < Vectors; ++v) {
+            _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
+        }
+        ripple(limbs, Vectors * vector_limbs);
+        for (int v = 0; v < Vectors; ++v) {
+            packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
+        }
     }
     LimbMask rounding = 0; /* columns from half a base on */
     LimbMask below_half = 0;
