@@ -13,7 +13,7 @@ namespace {
 
 using testing::HasSubstr;
 
-const std::string all_bytes_of_1 = "02c102" + std::string(38, '0');
+const std::string all_bytes_of_1 = std::string("02c102").append(38, '0');
 
 struct Decoded {
     std::string hex;
@@ -39,11 +39,12 @@ INSTANTIATE_TEST_SUITE_P(
         Decoded{"02c102", "1"}, Decoded{"0x02c102", "1"}, Decoded{"02C102", "1"}, Decoded{"033e6466", "-1"},
         Decoded{"02c002", "0.01"}, Decoded{"02c00b", "0.1"}, Decoded{"02c264", "9900"}, Decoded{"0180", "0"},
         Decoded{"02ff65", "inf"}, Decoded{"0100", "-inf"}, Decoded{"04c1020433", "1.035"},
-        Decoded{"02ff02", "1" + std::string(124, '0')},
+        Decoded{"02ff02", std::string("1").append(124, '0')},
         /* Trailing 00 pairs and bytes after the length are not part of the value. */
         Decoded{"04c2020101", "100"}, Decoded{"02c102ffffff", "1"}, Decoded{all_bytes_of_1, "1"},
         /* The last of twenty pairs counts, as the engine's own records do not, down to 10^-168. */
-        Decoded{"157f6565656565656565656565656565656565656564", "-0." + std::string(167, '0') + "1"}));
+        Decoded{"157f6565656565656565656565656565656565656564",
+                std::string("-0.").append(167, '0').append("1")}));
 
 TEST(QznumDecode, PrintsOneLineForEachArgumentInTheirOrder) {
     const Outcome outcome = qznum({"decode", "02c104", "02c102", "02c103"});
@@ -131,7 +132,8 @@ INSTANTIATE_TEST_SUITE_P(Text, QznumDecodeRejects,
 
 INSTANTIATE_TEST_SUITE_P(Bytes, QznumDecodeRejects,
                          testing::Values(malformed("00", 0, number_fault::length),
-                                         malformed("16" + all_bytes_of_1.substr(2), 0, number_fault::length),
+                                         malformed(std::string("16").append(42, '0'), 0,
+                                                   number_fault::length),
                                          malformed("01c1", 2, number_fault::pair_missing),
                                          malformed("03c10266", 3, number_fault::pair_out_of_range),
                                          malformed("03c10200", 3, number_fault::pair_out_of_range),

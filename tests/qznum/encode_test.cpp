@@ -63,11 +63,11 @@ std::string random_decimal(std::mt19937_64& random) {
         digits += static_cast<char>('0' + up_to(9));
     }
     if (const unsigned long fraction = up_to(digits.size() - 1); fraction > 0) {
-        digits.insert(digits.size() - fraction, ".");
+        digits.insert(digits.size() - fraction, 1, '.');
         digits.erase(digits.find_last_not_of('0') + 1);
         digits += digits.ends_with('.') ? "5" : "";
     }
-    return (up_to(1) == 0 ? "-" : "") + digits;
+    return std::string(up_to(1) == 0 ? "-" : "").append(digits);
 }
 
 TEST(QznumEncode, PacksAsExactArithmeticSaysAndReportsExactlyWhatWasRounded) {

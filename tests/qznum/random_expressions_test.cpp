@@ -4,6 +4,7 @@
 
 #include "tests/independent/long_division.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace qzoci::test {
 namespace {
@@ -79,46 +81,44 @@ private:
 
     /* Parentheses only where they are needed, now and then where they are not. */
     std::string inside(const Expression& e, int lowest_precedence) {
-        return e.precedence < lowest_precedence || up_to(9) == 0 ? "(" + blanks() + e.text + blanks() + ")"
-                                                                 : e.text;
+        return e.precedence < lowest_precedence || up_to(9) == 0
+                   ? fmt::format("({}{}{})", blanks(), e.text, blanks())
+                   : e.text;
     }
 
     Operand result(const Operand& value) const { return store_ ? stored(value) : value; }
 
-    Operand result(const contract::Expected& expected) const {
-        return result(operand_of_record(expected.record));
-    }
-
     Expression number() {
-        std::string decimal = std::to_string(up_to(up_to(1) == 0 ? 9 : 999999999999));
-        if (up_to(1) == 0) {
-            decimal += "." + std::to_string(up_to(99999999)) + std::to_string(1 + up_to(8));
-        }
+        const unsigned long integer = up_to(up_to(1) == 0 ? 9 : 999999999999);
+        const std::string fraction = up_to(1) == 0 ? fmt::format(".{}{}", up_to(99999999), 1 + up_to(8)) : "";
+        const std::string decimal = fmt::format("{}{}", integer, fraction);
         const Operand value = stored(operand_of_decimal(decimal));
-        return {up_to(3) == 0 ? "0x" + stored_hex(value) : decimal, value, atom_precedence};
+        return {up_to(3) == 0 ? fmt::format("0x{}", stored_hex(value)) : decimal, value, atom_precedence};
     }
 
     Expression signed_expression(int depth) {
         const Expression operand = expression(depth - 1);
         const std::string text = inside(operand, sign_precedence);
-        return up_to(3) == 0 ? Expression{"+" + text, result(operand.value), sign_precedence}
-                             : Expression{"-" + text, result(negated(operand.value)), sign_precedence};
+        return up_to(3) == 0
+                   ? Expression{fmt::format("+{}", text), result(operand.value), sign_precedence}
+                   : Expression{fmt::format("-{}", text), result(negated(operand.value)), sign_precedence};
     }
 
     Expression function(int depth) {
         const Expression operand = expression(depth - 1);
-        const std::string argument = "(" + blanks() + operand.text + blanks() + ")";
+        const auto call = [&](std::string_view name, const Operand& value) {
+            return Expression{fmt::format("{}({}{}{})", name, blanks(), operand.text, blanks()),
+                              result(value), atom_precedence};
+        };
         switch (up_to(3)) {
         case 0:
-            return {"ceil" + argument, result(contract::ceiling(operand.value)), atom_precedence};
+            return call("ceil", operand_of_record(contract::ceiling(operand.value).record));
         case 1:
-            return {"floor" + argument, result(contract::floor(operand.value)), atom_precedence};
+            return call("floor", operand_of_record(contract::floor(operand.value).record));
         case 2:
-            return {"trunc" + argument, result(contract::truncated(operand.value)), atom_precedence};
+            return call("trunc", operand_of_record(contract::truncated(operand.value).record));
         default:
-            return {"abs" + argument,
-                    result(operand.value.sign() == -1 ? negated(operand.value) : operand.value),
-                    atom_precedence};
+            return call("abs", operand.value.sign() == -1 ? negated(operand.value) : operand.value);
         }
     }
 
@@ -152,7 +152,8 @@ private:
         if (!value) {
             return sum(left, right);
         }
-        return {inside(left, precedence) + blanks() + symbol + blanks() + inside(right, precedence + 1),
+        return {fmt::format("{}{}{}{}{}", inside(left, precedence), blanks(), symbol, blanks(),
+                            inside(right, precedence + 1)),
                 result(*value), precedence};
     }
 
