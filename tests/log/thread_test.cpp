@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <future>
 #include <gtest/gtest.h>
+#include <latch>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
@@ -37,16 +38,20 @@ void write_lines(int writer) {
 template <class Disturbance>
 void write_on_eight_threads_while(Disturbance disturb) {
     std::atomic<int> at_work{writer_count};
+    /* No thread ends before: a child forked after that would be blamed by the thread sanitizer for not joining it. */
+    std::latch end{1};
     std::array<std::jthread, writer_count> writers;
-    std::ranges::generate(writers, [&at_work, writer = 0]() mutable {
-        return std::jthread([&at_work, number = writer++] {
+    std::ranges::generate(writers, [&at_work, &end, writer = 0]() mutable {
+        return std::jthread([&at_work, &end, number = writer++] {
             write_lines(number);
             --at_work;
+            end.wait();
         });
     });
     do {
         disturb();
     } while (at_work > 0);
+    end.count_down();
 }
 
 /* Takes the writers' lines in the order in which a destination got them and tells what is wrong with them. */
