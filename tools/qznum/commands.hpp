@@ -37,6 +37,9 @@ struct EvalOptions {
 
 ExitStatus eval(const EvalOptions& options, Output& output);
 
+/* A line for each function: call, summary, domain, special values, accuracy; and for each constant. */
+ExitStatus list_functions(Output& output);
+
 } // namespace qznum
 
 #endif /* QZNUM_COMMANDS_HPP */

@@ -26,6 +26,8 @@ constexpr const char* examples = R"(Examples:
   qznum encode 1.5 -0.001              decimals as stored numbers
   qznum eval '(1.5 + 0x03c10233) * 2'  arithmetic on decimals and stored numbers
   qznum eval --record '1 / 3'          all 160 digits after the point
+  qznum eval 'sqrt(2) * sin(pi / 4)'   elementary functions
+  qznum functions                      which there are
 )";
 
 constexpr const char* decode_help = R"(Examples:
@@ -60,11 +62,12 @@ EXPRESSION has numbers, parentheses, operators, functions and constants:
   0x03c10233     a stored number
   + -            sum and difference, the loosest
   * / %          product, quotient, remainder with the sign of the left side
-  -x +x          signs, the tightest
+  -x +x          signs
+  ^              power, the tightest, from right to left: -2^2 is -4
 )";
 
 constexpr const char* eval_results =
-    R"(Operators of one row work from left to right. Between operations nothing is rounded to the stored
+    R"(Operators of one row work from left to right, ^ from right to left. Between operations nothing is rounded to the stored
 form. Prints the result as it is stored: in decimal and, on the next line, in hex.
 )";
 
@@ -108,6 +111,7 @@ public:
         add_decode();
         add_encode();
         add_eval();
+        functions_ = app_.add_subcommand("functions", "What eval can compute with, a line each");
     }
 
     /* Throws CLI::ParseError, for --help and --version too. */
@@ -125,6 +129,9 @@ public:
         }
         if (encode_->parsed()) {
             return encode(encode_options_, output);
+        }
+        if (functions_->parsed()) {
+            return list_functions(output);
         }
         return eval(eval_options_, output);
     }
@@ -182,6 +189,7 @@ private:
     CLI::App* decode_ = nullptr;
     CLI::App* encode_ = nullptr;
     CLI::App* eval_ = nullptr;
+    CLI::App* functions_ = nullptr;
     DecodeOptions decode_options_;
     EncodeOptions encode_options_;
     EvalOptions eval_options_;

@@ -38,6 +38,9 @@ struct Function {
     std::size_t operand_count;
     Operation operation;
     std::string_view summary;
+    std::string_view domain;         /* the arguments that it takes */
+    std::string_view special_values; /* results that are not what mathematics would say; may be empty */
+    std::string_view accuracy;       /* of the result, in words */
 };
 
 struct Constant {
