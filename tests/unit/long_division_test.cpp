@@ -131,6 +131,18 @@ TEST(Division, QuotientThatBeginsFurtherBelowIsZero) {
     EXPECT_EQ(quotient(limbs({{39, 99999999}}, -1) + " " + limbs({{17, 1}, {18, 1}})), negative_zero);
 }
 
+/* The dividend is three times the divisor and one unit of the last limb. */
+TEST(Division, BothOperandsMayFillAllLimbs) {
+    EXPECT_EQ(quotient("R:1,0,0,39,0," + repeated("3", 39) + ".4 R:1,0,0,39,0," + repeated("1", 40)),
+              "1,0,19,19,0,z19.3.z20");
+}
+
+/* 5 * -1 is -5, which the normaliser turns into 1. */
+TEST(Division, OfOddSignBytesIsPositiveUnlessTheirProductIsMinusOne) {
+    EXPECT_EQ(quotient("R:5,0,19,19,0,z19.6.z20 D:-3"), "1,0,19,19,0,z19.2.z20");
+    EXPECT_EQ(quotient("R:5,0,19,19,0,z19.3.z20 D:-1.5"), "1,0,19,19,0,z19.2.z20");
+}
+
 /* ---- Rounding ---- */
 
 /* (2.5 - 10^-160) / 2.5 = 1 - 0.4 * 10^-160: twenty limbs of 99999999 and then 60000000. */

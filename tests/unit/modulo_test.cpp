@@ -162,6 +162,12 @@ TEST(Modulo, ByTwoLimbsCanBeWrong) {
     EXPECT_EQ(remainder("D:20000000000000000000000 D:2.03"), "1,0,19,20,0,z19.2.88000003.z19");
 }
 
+TEST(Modulo, NormalisesAnOddSignByteWhereItDivides) {
+    EXPECT_EQ(remainder("R:5,0,19,19,0,z19.7.z20 D:3"), "1,0,19,19,0,z19.1.z20");
+    EXPECT_EQ(remainder("R:5,0,19,19,0,z19.7.z20 D:2.5"), "1,0,19,19,0,z19.2.z20");
+    EXPECT_EQ(remainder("R:5,0,19,19,0,z19.7.z20 D:9"), "5,0,19,19,0,z19.7.z20");
+}
+
 TEST(Modulo, ResultMayBeAnOperand) {
     for (const char* const alias : {"alias:", "alias2:"}) {
         EXPECT_EQ(result_of(alias + mod("D:7.25 D:3")), "1,0,19,20,0,z19.1.25000000.z19") << alias;

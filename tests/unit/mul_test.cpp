@@ -153,6 +153,24 @@ TEST(Product, OfFullFractionsDropsTheLowerHalf) {
     EXPECT_EQ(product(nines + " " + nines), "1,0,20,39,0,z20." + repeated("99999999", 19) + ".99999998");
 }
 
+/* 79 limbs are counted from 10^-320 on; the limb above the product's 80 is looked at. */
+TEST(Product, OfFullRecordsIsInfinite) {
+    const std::string full = "R:1,0,0,39,0," + repeated("1", 40);
+    EXPECT_EQ(product(full + " " + full), positive_infinity);
+    const Lines lines = lines_of(mul(full + " " + full));
+    ASSERT_EQ(lines.size(), 1604U);
+    EXPECT_EQ(lines[1602],
+              "2|exceed max precision to calc in QZCICalcNumMul :need 79 + -40 < 20, set to infinity number");
+}
+
+/* 5 * -1 is -5, which the normaliser turns into 1. */
+TEST(Product, OfOddSignBytesIsPositiveUnlessItIsMinusOne) {
+    EXPECT_EQ(product("R:5,0,19,19,0,z19.3.z20 D:-2"), "1,0,19,19,0,z19.6.z20");
+    EXPECT_EQ(product("R:0,0,19,19,0,z19.3.z20 D:-2"), "1,0,19,19,0,z19.6.z20");
+    /* -1 in 8 bits: 15 * 17 = 255 */
+    EXPECT_EQ(product("R:15,0,19,19,0,z19.3.z20 R:17,0,19,19,0,z19.2.z20"), "-1,0,19,19,0,z19.6.z20");
+}
+
 TEST(Product, ResultMayBeAnyOperand) {
     for (const char* const alias : {"", "alias:", "alias2:"}) {
         EXPECT_EQ(result_of(alias + mul("D:2.5 D:3")), "1,0,19,20,0,z19.7.50000000.z19") << alias;
@@ -215,6 +233,10 @@ TEST(IntegerProduct, InfinityStaysAndTimesZeroIsZero) {
     EXPECT_EQ(integer_product("D:inf 0"), positive_zero);
     EXPECT_EQ(integer_product("D:-inf 0"), negative_zero);
     EXPECT_EQ(kept_lines_of("QZCICalcNumMulWhitInterge D:-inf 3"), Lines{});
+}
+
+TEST(IntegerProduct, KeepsAnOddSignByte) {
+    EXPECT_EQ(integer_product("R:5,0,19,19,0,z19.3.z20 2"), "5,0,19,19,0,z19.6.z20");
 }
 
 TEST(IntegerProduct, ResultMayBeTheMultiplicand) {
