@@ -123,6 +123,15 @@ TEST(MalformedPositions, AreAnErrorOfALongRemainder) {
               "2|function QZCICalcNumMod return with status -1");
 }
 
+/* Limb 19 tells the magnitudes apart; limb 40 is only met when the dividend's lower limbs are taken over. */
+TEST(MalformedPositions, OfADividendThatEndsOutsideFailTheRemainder) {
+    const std::string dividend = "R:1,0,19,40,0,z19.7.z20";
+    expect_failure("QZCICalcNumMod " + dividend + " D:3", OCI_ERROR,
+                   {malformed("QZCICaclNumModOneDivsor"),
+                    "5|multiplicand:A mod multiplier:B QZCICaclNumModOneDivsor error:-1"});
+    expect_malformed("QZCICalcNumMod", dividend + " D:2.5");
+}
+
 TEST(MalformedPositions, AreAnErrorOfPacking) {
     expect_malformed("QZCICalcNumToNumber", before_the_first_limb);
     expect_malformed("QZCICalcNumToNumber", after_the_last_limb);
@@ -131,6 +140,13 @@ TEST(MalformedPositions, AreAnErrorOfPacking) {
     expect_malformed("QZCICalcNumToNumber", "R:1,2,-1,-1,0,z40");
     EXPECT_EQ(lines_of("QZCICalcNumToNumber " + far_outside).back(),
               "2|function QZCICalcNumToNumber return with status -1");
+}
+
+/* The leading pair alone decides; the last position is not looked at. */
+TEST(MalformedPositions, OfTheLastLimbDoNotMatterWhereTheExponentIsOutOfRange) {
+    EXPECT_EQ(out_of("QZCICalcNumToNumber R:1,0,0,45,0,1.z39"), "02ff65" + times("ee", 19));
+    EXPECT_EQ(out_of("QZCICalcNumToNumber R:-1,0,0,45,0,1.z39"), "0100" + times("ee", 20));
+    EXPECT_EQ(out_of("QZCICalcNumToNumber R:1,0,39,45,0,z39.1"), "0180" + times("ee", 20));
 }
 
 TEST(MalformedPositions, AreAnErrorOfTheTextForm) {
@@ -153,6 +169,14 @@ TEST(MalformedPositions, CompareEqualWhereTheComparisonWouldLeaveTheRecord) {
         }
     }
     EXPECT_EQ(result_of("QZCICalcNumMod " + before_the_first_limb + " D:3"), positive_zero);
+}
+
+TEST(MalformedPositions, DoNotMatterToAComparisonDecidedBeforeThem) {
+    for (const char* const operation :
+         {"QZCICalcNumCompare", "QZCICalcNumAbsCompare", "QZCICalcNumCompareAbs"}) {
+        EXPECT_EQ(status_of(operation + (" " + after_the_last_limb + " D:1")), 1) << operation;
+        EXPECT_EQ(status_of(operation + (" D:1 " + after_the_last_limb)), -1) << operation;
+    }
 }
 
 TEST(MalformedPositions, DoNotMatterWhereNoLimbIsReached) {
@@ -318,6 +342,11 @@ TEST(ZeroLimbs, OfASingleLimbDivisorDoNotMatterWhereNothingIsDivided) {
 TEST(ZeroLimbs, OnTopOfALongDivisorAreAnError) {
     expect_malformed("QZCICalcNumDiv", "D:1 R:1,0,19,21,0,z21.1.z18");
     expect_malformed("QZCICalcNumMod", "D:100000000 R:1,0,19,21,0,z21.1.z18");
+}
+
+/* Only a digit after the one that rounds meets the zero. */
+TEST(ZeroLimbs, OnTopOfALongDivisorAreAnErrorHoweverLateTheyAreMet) {
+    expect_malformed("QZCICalcNumDiv", "D:1e-160 R:1,0,5,7,0,z7.1.z32");
 }
 
 TEST(ZeroLimbs, OnTopOfADivisorGiveNoTrialDigit) {
