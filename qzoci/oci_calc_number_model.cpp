@@ -472,7 +472,7 @@ sword to_str(Trace t, const QZCICalcNumber* num, char* buf, size_t buf_len) {
         /* Only a sign byte of 0 gets a minus: a negative infinity prints "inf", and callers rely on it. */
         const char* const name = num->num_signed != 0 ? "inf" : "-inf";
         std::strncpy(buf, name, buf_len);
-        std::memcpy(text, name, std::min(buf_len, std::strlen(name)));
+        std::copy_n(name, std::min(buf_len, std::strlen(name)), text);
     } else if (num->is_zero == 1) {
         buf[0] = '0'; /* and no terminator */
         text[0] = '0';

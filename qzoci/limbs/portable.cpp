@@ -72,7 +72,7 @@ void increment_last(Limb* limbs) {
  * shift less. Precondition: 2 <= divisor < base. */
 struct Reciprocal {
     explicit Reciprocal(Limb divisor) {
-        const int l = std::bit_width(divisor) - 1;
+        const int l = static_cast<int>(std::bit_width(divisor)) - 1;
         if (std::has_single_bit(divisor)) {
             multiplier = uint64_t{1} << 63;
             shift = l - 1;
