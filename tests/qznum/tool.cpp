@@ -52,6 +52,7 @@ private:
 /* Spawns with the three files as the standard streams. */
 pid_t spawn(const std::vector<std::string>& command, int input, int output, int error_output) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
     }
