@@ -583,10 +583,11 @@ sword divide_long(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber*
     const int dividend_limbs = std::max(dividend->end_pos - dividend->start_pos + 1, 0);
     load_reversed(*dividend, dividend->end_pos, dividend->start_pos, u + n + limb_count + 1 - dividend_limbs);
     load_reversed(*divisor, divisor->end_pos, divisor->start_pos, v);
-    /* The digits after the rounding one are never looked at; limbs above 99999999 alone can make a step that
-     * forms them impossible. */
-    const bool stops_early =
-        t.fast && is_ordinary(*dividend) && has_canonical_limbs(*dividend) && has_canonical_limbs(*divisor);
+    /* The digits after the rounding one are never looked at; only limbs above 99999999 or a leading zero limb
+     * can make a step that forms them impossible. */
+    const bool stops_early = t.fast && is_ordinary(*dividend) &&
+                             divisor->data_part[divisor->start_pos] != 0 && has_canonical_limbs(*dividend) &&
+                             has_canonical_limbs(*divisor);
     const int placed = std::max(limb_count - (units_limb - diff), 0);
     ub8 d = 0;
     if (!divide_scaled(u, v, quotient_top, static_cast<sb1>(n), stops_early ? quotient_top - placed : 0,

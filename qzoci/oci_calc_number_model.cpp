@@ -40,15 +40,12 @@ void set_constant(QZCICalcNumber* num, const QZCICalcNumber& constant) {
     }
 }
 
-/* Compares the limbs between the outermost positions of both records; 0 where those lie outside the record.
- */
+/* Compares the limbs between the outermost positions of both records; 0 where a limb outside the record would be
+ * compared. */
 sb1 compare_limbs(const QZCICalcNumber& num1, const QZCICalcNumber& num2) {
     const int first = std::min(num1.start_pos, num2.start_pos);
     const int last = std::max(num1.end_pos, num2.end_pos);
-    if (!is_walkable(first, last)) {
-        return 0;
-    }
-    for (int i = first; i <= last; ++i) {
+    for (int i = first; i <= last && is_limb_index(i); ++i) {
         if (num1.data_part[i] != num2.data_part[i]) {
             return num1.data_part[i] > num2.data_part[i] ? 1 : -1;
         }
@@ -193,18 +190,24 @@ int leading_exponent(const QZCICalcNumber& num) {
     return e;
 }
 
-/* Packs a finite, non-zero record with walkable positions. */
-void pack(const QZCICalcNumber& num, OCINumber& number) {
+/* Packs a finite, non-zero record. False: a position lies outside the record at the step that needs it. */
+bool pack(const QZCICalcNumber& num, OCINumber& number) {
+    if (!is_limb_index(num.start_pos)) {
+        return false;
+    }
     const bool positive = num.num_signed == 1;
     const int e = leading_exponent(num);
     const int exponent = exponent_byte(positive, e);
     if (positive ? exponent <= zero_exponent_byte : exponent > 127) {
         store_zero(number);
-        return;
+        return true;
     }
     if (positive ? exponent > 255 : exponent < 0) {
         store_infinity(positive, number);
-        return;
+        return true;
+    }
+    if (num.end_pos >= limb_count) {
+        return false;
     }
     ub1 pairs[limb_count * pairs_per_limb];
     int count = 0;
@@ -217,7 +220,7 @@ void pack(const QZCICalcNumber& num, OCINumber& number) {
     ub1* const first = std::find_if(pairs, pairs + count, significant);
     if (first == pairs + count) {
         store_zero(number);
-        return;
+        return true;
     }
     const ub1* last = pairs + count - 1;
     while (!significant(*last)) {
@@ -229,6 +232,7 @@ void pack(const QZCICalcNumber& num, OCINumber& number) {
     } else {
         store_rounded(positive, e, first, number);
     }
+    return true;
 }
 
 /* Adds one to limb 23 and carries upward: each limb that reaches 10^8 becomes 0. True: a carry left limb 0.
@@ -409,9 +413,7 @@ sword to_number(Trace t, const QZCICalcNumber* nump, OCINumber* number) {
         store_infinity(cnum.num_signed == 1, *number);
     } else if (cnum.is_zero == 1) {
         store_zero(*number);
-    } else if (is_limb_index(cnum.start_pos) && cnum.end_pos < limb_count) {
-        pack(cnum, *number);
-    } else {
+    } else if (!pack(cnum, *number)) {
         QZOCI_MALFORMED(name);
         QZOCI_LEAVE(t, name, OCI_ERROR);
     }
