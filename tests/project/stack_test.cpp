@@ -53,6 +53,7 @@ public:
         inside_.uc_link = &outside_;
         makecontext(&inside_, run_job, 0);
         swapcontext(&outside_, &inside_);
+        job_ = {};
         size_t untouched = 0;
         while (untouched < words_.size() && words_[untouched] == paint(untouched)) {
             ++untouched;
