@@ -163,9 +163,12 @@ TEST(MalformedPositions, CompareEqualWhereTheComparisonWouldLeaveTheRecord) {
     for (const char* const operation :
          {"QZCICalcNumCompare", "QZCICalcNumAbsCompare", "QZCICalcNumCompareAbs"}) {
         for (const std::string& operands :
-             {before_the_first_limb + " D:1", "D:1 " + before_the_first_limb, far_outside + " D:1",
-              after_the_last_limb + " D:5", after_the_last_limb + " " + after_the_last_limb}) {
-            EXPECT_EQ(status_of(operation + (" " + operands)), 0) << operation << " " << operands;
+             {" " + before_the_first_limb + " D:1", " D:1 " + before_the_first_limb,
+              " " + far_outside + " D:1", " " + after_the_last_limb + " D:5",
+              " " + after_the_last_limb + " " + after_the_last_limb}) {
+            std::string request = operation;
+            request += operands;
+            EXPECT_EQ(status_of(request), 0) << request;
         }
     }
     EXPECT_EQ(result_of("QZCICalcNumMod " + before_the_first_limb + " D:3"), positive_zero);
