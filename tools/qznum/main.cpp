@@ -71,6 +71,13 @@ constexpr const char* eval_results =
 form. Prints the result as it is stored: in decimal and, on the next line, in hex.
 )";
 
+constexpr const char* functions_help = R"(Examples:
+  qznum functions
+  qznum functions | grep ^sin
+
+A line has the call, what it computes, its domain, its measured accuracy and its special values.
+)";
+
 constexpr const char* file_help = "Read the values from FILE, - for standard input";
 
 /* Explanations, kept as the footer, begin with examples and come first. */
@@ -112,6 +119,7 @@ public:
         add_encode();
         add_eval();
         functions_ = app_.add_subcommand("functions", "What eval can compute with, a line each");
+        functions_->footer(functions_help);
     }
 
     /* Throws CLI::ParseError, for --help and --version too. */

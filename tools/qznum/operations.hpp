@@ -40,7 +40,7 @@ struct Function {
     std::string_view summary;
     std::string_view domain;         /* the arguments that it takes */
     std::string_view special_values; /* results that are not what mathematics would say; may be empty */
-    std::string_view accuracy;       /* of the result, in words */
+    std::string_view accuracy;       /* of the result, as docs/accuracy.md has measured it */
 };
 
 struct Constant {
