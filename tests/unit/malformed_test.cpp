@@ -160,25 +160,25 @@ TEST(MalformedPositions, AreAnErrorOfTheTextForm) {
 }
 
 TEST(MalformedPositions, CompareEqualWhereTheComparisonWouldLeaveTheRecord) {
+    const std::string operands[] = {before_the_first_limb + " D:1", "D:1 " + before_the_first_limb,
+                                    far_outside + " D:1", after_the_last_limb + " D:5",
+                                    "D:5 " + after_the_last_limb};
     for (const char* const operation :
-         {"QZCICalcNumCompare", "QZCICalcNumAbsCompare", "QZCICalcNumCompareAbs"}) {
-        for (const std::string& operands :
-             {" " + before_the_first_limb + " D:1", " D:1 " + before_the_first_limb,
-              " " + far_outside + " D:1", " " + after_the_last_limb + " D:5",
-              " " + after_the_last_limb + " " + after_the_last_limb}) {
-            std::string request = operation;
-            request += operands;
-            EXPECT_EQ(status_of(request), 0) << request;
+         {"QZCICalcNumCompare ", "QZCICalcNumAbsCompare ", "QZCICalcNumCompareAbs "}) {
+        for (const std::string& both : operands) {
+            EXPECT_EQ(status_of(operation + both), 0) << operation << both;
         }
     }
     EXPECT_EQ(result_of("QZCICalcNumMod " + before_the_first_limb + " D:3"), positive_zero);
 }
 
 TEST(MalformedPositions, DoNotMatterToAComparisonDecidedBeforeThem) {
+    const std::string larger_first = after_the_last_limb + " D:1";
+    const std::string larger_second = "D:1 " + after_the_last_limb;
     for (const char* const operation :
-         {"QZCICalcNumCompare", "QZCICalcNumAbsCompare", "QZCICalcNumCompareAbs"}) {
-        EXPECT_EQ(status_of(operation + (" " + after_the_last_limb + " D:1")), 1) << operation;
-        EXPECT_EQ(status_of(operation + (" D:1 " + after_the_last_limb)), -1) << operation;
+         {"QZCICalcNumCompare ", "QZCICalcNumAbsCompare ", "QZCICalcNumCompareAbs "}) {
+        EXPECT_EQ(status_of(operation + larger_first), 1) << operation;
+        EXPECT_EQ(status_of(operation + larger_second), -1) << operation;
     }
 }
 
