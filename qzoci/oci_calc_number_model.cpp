@@ -481,7 +481,7 @@ sword to_str(Trace t, const QZCICalcNumber* num, char* buf, size_t buf_len) {
     } else {
         status = limbs_to_str(*num, buf, buf_len, len, text);
     }
-    const bool has_minus_sign = num->num_infinity != 1 && text[0] == '-';
+    const bool has_minus_sign = num->num_signed == -1 && text[0] == '-';
     QZOCI_DEBUG(t, "num:%p to_str is:%s", ptr(num), text + (has_minus_sign ? 1 : 0));
     QZOCI_LEAVE(t, "QZCICalcNumToStr", status);
 }
