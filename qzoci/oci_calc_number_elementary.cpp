@@ -189,8 +189,8 @@ bool try_root(Trace t, const QZCICalcNumber& number, QZCICalcNumber& cresult) {
     static_cast<void>(cresult);
     return false;
 #else
-    if (!is_limb_index(number.start_pos) || number.start_pos > number.end_pos ||
-        !is_limb_index(number.end_pos)) {
+    if (number.num_infinity != 0 || !is_limb_index(number.start_pos) || number.start_pos > number.end_pos ||
+        !is_limb_index(number.end_pos) || number.data_part[number.start_pos] == 0) {
         return false;
     }
     const limbs::Magnitude radicand = {number.data_part, number.start_pos, number.end_pos};

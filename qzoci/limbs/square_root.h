@@ -8,7 +8,7 @@ namespace qzoci::limbs {
 
 /* The g with g^2 - 1.5 g <= number * 10^320 < g^2 + 0.5 g, in units of 10^-160: the one guess that a Heron
  * step with a true quotient leaves unchanged. False where limbs exceed 99999999, or where two such g could
- * be. */
+ * be. Precondition: the leading limb is not zero. */
 bool nearest_root(const Magnitude& number, Limb* root, Extent& extent);
 
 /* True when the laid-down step, whatever its long division does, leaves the root of nearest_root unchanged
