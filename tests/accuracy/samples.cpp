@@ -263,6 +263,13 @@ Arguments of_ipow(ub8 index) {
 }
 
 Arguments of_pow(ub8 index) {
+    static const std::vector<Operand> special_bases =
+        operands({"2", "-2", "10", "10", "1.03", "0.5", "1e-20"});
+    static const std::vector<Operand> special_exponents =
+        operands({"10", "3", "161", "0.5", "100", "40", "-2"});
+    if (index < special_bases.size()) {
+        return {special_bases.at(index), special_exponents.at(index), 0};
+    }
     Random random = random_of(index);
     const ub8 family = index % 8;
     const Operand base = family < 4 ? of_magnitude(random, -3, 3) : of_magnitude(random, -128, 125);
