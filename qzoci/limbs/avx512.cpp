@@ -1,4 +1,7 @@
 #include "qzoci/limbs/avx512.h"
+#include "qzoci/limbs/x86.h"
+
+#if QZOCI_HAS_X86_KERNELS
 
 #if defined(__GNUC__) && !defined(__clang__)
 /* The intrinsics of GCC 12 start from a variable set to itself, which this warning takes for a use of ours
@@ -425,3 +428,5 @@ QZOCI_AVX512 bool half_avx512(const Magnitude& a, Limb* result, Extent& extent) 
 }
 
 } // namespace qzoci::limbs
+
+#endif /* QZOCI_HAS_X86_KERNELS */

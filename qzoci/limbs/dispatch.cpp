@@ -1,14 +1,11 @@
 /* The one file that knows the CPU. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/portable.h"
+#include "qzoci/limbs/x86.h"
 
-/* Vector kernels are in the build where the compiler knows the instructions and nobody asked to leave them
- * out. */
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(QZOCI_NO_SIMD)
-#define QZOCI_HAS_X86_KERNELS 1
+#if QZOCI_HAS_X86_KERNELS
+#include "qzoci/limbs/avx2.h"
 #include "qzoci/limbs/avx512.h"
-#else
-#define QZOCI_HAS_X86_KERNELS 0
 #endif
 
 #include <algorithm>
@@ -21,14 +18,21 @@ constexpr Kernels portable_kernels = {sum_portable,  difference_portable,       
                                       half_portable, quotient_by_limb_portable, quotient_portable};
 
 #if QZOCI_HAS_X86_KERNELS
+constexpr Kernels avx2_kernels = {sum_avx2,  difference_avx2,           product_avx2,
+                                  half_avx2, quotient_by_limb_portable, quotient_portable};
 constexpr Kernels avx512_kernels = {sum_avx512,  difference_avx512,         product_avx512,
                                     half_avx512, quotient_by_limb_portable, quotient_portable};
 
-bool has_avx512() {
+bool has_avx2() {
     __builtin_cpu_init();
-    return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+    return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
+           __builtin_cpu_supports("bmi2") != 0 && __builtin_cpu_supports("lzcnt") != 0;
+}
+
+bool has_avx512() {
+    return has_avx2() && __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
            __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vl") != 0 &&
-           __builtin_cpu_supports("avx512ifma") != 0 && __builtin_cpu_supports("bmi2") != 0;
+           __builtin_cpu_supports("avx512ifma") != 0;
 }
 #endif
 
@@ -36,6 +40,9 @@ const Kernels& kernels_of(Level level) {
 #if QZOCI_HAS_X86_KERNELS
     if (level == Level::avx512) {
         return avx512_kernels;
+    }
+    if (level == Level::avx2) {
+        return avx2_kernels;
     }
 #endif
     static_cast<void>(level);
@@ -52,6 +59,9 @@ Level best_level() {
 #if QZOCI_HAS_X86_KERNELS
     if (has_avx512()) {
         return Level::avx512;
+    }
+    if (has_avx2()) {
+        return Level::avx2;
     }
 #endif
     return Level::portable;

@@ -1,6 +1,7 @@
-/* Where a fast kernel declines: each condition from both sides, with a tally that shows which way was taken,
- * and the plain steps' digits either way. */
+/* Where a fast kernel declines: each condition from both sides at every level, with a tally that shows which way
+ * was taken, and the plain steps' digits either way. */
 #include "qzoci/oci_calc_number_elementary.h"
+#include "tests/limbs/levels.h"
 #include "tests/support/records.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,14 @@ using engine::Tally;
 using engine::Trace;
 
 using Binary = sword (*)(Trace, const QZCICalcNumber*, const QZCICalcNumber*, QZCICalcNumber*);
+
+using FastKernels = Levels;
+using FastSum = Levels;
+using FastDifference = Levels;
+using FastProduct = Levels;
+using FastQuotientByLimb = Levels;
+using FastQuotient = Levels;
+using FastRoot = Levels;
 
 enum class Taken { not_tried, finished, declined };
 
@@ -53,7 +62,7 @@ QZCICalcNumber record_with_large_limbs() {
     return quotient;
 }
 
-TEST(FastKernels, DeclineLimbsAbove99999999) {
+TEST_P(FastKernels, DeclineLimbsAbove99999999) {
     const QZCICalcNumber large = record_with_large_limbs();
     const QZCICalcNumber wide = decimal("1.0000000200000003");
     EXPECT_EQ(taken(engine::add, Stretch::sum, large, wide), Taken::declined);
@@ -66,7 +75,7 @@ TEST(FastKernels, DeclineLimbsAbove99999999) {
     EXPECT_EQ(taken(engine::add, Stretch::sum, wide, wide), Taken::finished);
 }
 
-TEST(FastKernels, LeaveZerosAndInfinitiesToThePlainSteps) {
+TEST_P(FastKernels, LeaveZerosAndInfinitiesToThePlainSteps) {
     const QZCICalcNumber two = decimal("2");
     for (const char* special : {"0", "-0", "inf", "-inf"}) {
         EXPECT_EQ(taken(engine::add, Stretch::sum, decimal(special), two), Taken::not_tried) << special;
@@ -76,7 +85,7 @@ TEST(FastKernels, LeaveZerosAndInfinitiesToThePlainSteps) {
     }
 }
 
-TEST(FastSum, DeclinesACarryIntoLimb0) {
+TEST_P(FastSum, DeclinesACarryIntoLimb0) {
     const QZCICalcNumber limb_1_full = record_from_limbs({{1, 99999999}});
     EXPECT_EQ(taken(engine::add, Stretch::sum, limb_1_full, record_from_limbs({{1, 1}})), Taken::declined);
     EXPECT_EQ(
@@ -88,14 +97,14 @@ TEST(FastSum, DeclinesACarryIntoLimb0) {
         Taken::finished);
 }
 
-TEST(FastSum, CarriesThroughFullLimbs) {
+TEST_P(FastSum, CarriesThroughFullLimbs) {
     const QZCICalcNumber nines = decimal("99999999999999999999999999999999.99999999999999999999999999999999");
     EXPECT_EQ(taken(engine::add, Stretch::sum, nines, decimal("0.00000000000000000000000000000001")),
               Taken::finished);
     EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("1e32"), decimal("1e-160")), Taken::finished);
 }
 
-TEST(FastDifference, DeclinesEqualMagnitudes) {
+TEST_P(FastDifference, DeclinesEqualMagnitudes) {
     EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("5.25"), decimal("5.25")), Taken::declined);
     EXPECT_EQ(taken(engine::add, Stretch::difference, decimal("5.25"), decimal("-5.25")), Taken::declined);
     EXPECT_EQ(taken(engine::sub, Stretch::difference, decimal("5.25"), decimal("5.24")), Taken::finished);
@@ -106,7 +115,7 @@ QZCICalcNumber one_and_the_last_place() {
     return record_from_limbs({{19, 1}, {39, 1}});
 }
 
-TEST(FastProduct, DeclinesAnInconclusiveDecidingLimb) {
+TEST_P(FastProduct, DeclinesAnInconclusiveDecidingLimb) {
     const auto product_of = [](ub4 limb_40, ub4 limb_41) {
         return taken(engine::mul, Stretch::product,
                      record_from_limbs({{19, 3}, {20, limb_40}, {21, limb_41}, {30, 7}, {39, 5}}),
@@ -119,7 +128,7 @@ TEST(FastProduct, DeclinesAnInconclusiveDecidingLimb) {
     EXPECT_EQ(product_of(50000000, 99999999), Taken::finished);
 }
 
-TEST(FastProduct, DeclinesALastLimbOf99999999WhereColumnsAreLeftOut) {
+TEST_P(FastProduct, DeclinesALastLimbOf99999999WhereColumnsAreLeftOut) {
     const auto product_of = [](ub4 limb_39) {
         return taken(engine::mul, Stretch::product,
                      record_from_limbs({{20, 99999999}, {30, 7}, {39, limb_39}}), one_and_the_last_place());
@@ -128,7 +137,7 @@ TEST(FastProduct, DeclinesALastLimbOf99999999WhereColumnsAreLeftOut) {
     EXPECT_EQ(product_of(99999998), Taken::finished);
 }
 
-TEST(FastProduct, RoundsALastLimbOf99999999UpTo1) {
+TEST_P(FastProduct, RoundsALastLimbOf99999999UpTo1) {
     const QZCICalcNumber a = record_from_limbs({{30, 99999999}, {31, 50000000}});
     const QZCICalcNumber b = record_from_limbs({{28, 1}});
     EXPECT_EQ(taken(engine::mul, Stretch::product, a, b), Taken::finished);
@@ -137,13 +146,13 @@ TEST(FastProduct, RoundsALastLimbOf99999999UpTo1) {
     EXPECT_EQ(product, record_from_limbs({{39, 1}}));
 }
 
-TEST(FastProduct, IsNotTriedWhereTheProductIsInfinite) {
+TEST_P(FastProduct, IsNotTriedWhereTheProductIsInfinite) {
     EXPECT_EQ(taken(engine::mul, Stretch::product, decimal("1e80"), decimal("1e80")), Taken::not_tried);
     /* 10^79 * 10^81 loses its top limb and is zero. */
     EXPECT_EQ(taken(engine::mul, Stretch::product, decimal("1e79"), decimal("1e81")), Taken::finished);
 }
 
-TEST(FastQuotientByLimb, IsNotTriedOutsideTheRecord) {
+TEST_P(FastQuotientByLimb, IsNotTriedOutsideTheRecord) {
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("1e152"), decimal("1")),
               Taken::not_tried);
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("1e16")),
@@ -153,7 +162,7 @@ TEST(FastQuotientByLimb, IsNotTriedOutsideTheRecord) {
               Taken::finished);
 }
 
-TEST(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
+TEST_P(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
     /* The leading limb 1 gives the factor 50000000, and 2 * 50000000 is 10^8. */
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.0000000300000002")),
               Taken::declined);
@@ -164,7 +173,7 @@ TEST(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
               Taken::finished);
 }
 
-TEST(FastQuotient, TakesADividendThatScalesToALimbOf100000000WhereDigitsStayInside) {
+TEST_P(FastQuotient, TakesADividendThatScalesToALimbOf100000000WhereDigitsStayInside) {
     const QZCICalcNumber divisor = decimal("1.414213562373095048801688724209698078569671875376948073176679");
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), divisor), Taken::finished);
     /* 2 / 1.00000005... begins 1.99999990...: a digit near 99999999. */
@@ -172,12 +181,12 @@ TEST(FastQuotient, TakesADividendThatScalesToALimbOf100000000WhereDigitsStayInsi
               Taken::declined);
 }
 
-TEST(FastQuotient, DeclinesATwoLimbDivisorWhoseLowerScaledLimbIsLarger) {
+TEST_P(FastQuotient, DeclinesATwoLimbDivisorWhoseLowerScaledLimbIsLarger) {
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("4"), decimal("2.03")), Taken::declined);
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("12.5")), Taken::finished);
 }
 
-TEST(FastQuotient, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
+TEST_P(FastQuotient, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
     /* Leading limb 50000000: factor 1. The quotient's leading digit 4 meets the divisor limb 25000000 = 10^8
      * / 4. */
     const QZCICalcNumber divisor = decimal("50000000.250000000000000700000003");
@@ -185,7 +194,7 @@ TEST(FastQuotient, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("371234567.1"), divisor), Taken::finished);
 }
 
-TEST(FastQuotient, KnowsExactQuotients) {
+TEST_P(FastQuotient, KnowsExactQuotients) {
     const QZCICalcNumber divisor = decimal("12345678.987654321234567898765");
     for (const char* factor : {"7", "1234.5", "0.0000000000000001", "99999999.99999999"}) {
         const QZCICalcNumber quotient = decimal(factor);
@@ -198,19 +207,19 @@ TEST(FastQuotient, KnowsExactQuotients) {
     }
 }
 
-TEST(FastRoot, JumpsToAnIsolatedRoot) {
+TEST_P(FastRoot, JumpsToAnIsolatedRoot) {
     EXPECT_EQ(taken_for_root(decimal("3")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("7.00000000000000000000000001")), Taken::finished);
 }
 
-TEST(FastRoot, JumpsToAnExactRoot) {
+TEST_P(FastRoot, JumpsToAnExactRoot) {
     EXPECT_EQ(taken_for_root(decimal("1e100")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("1e-80")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("152415787532388367501905199875019052100")), Taken::finished);
 }
 
 /* 2 scales to a limb of 10^8, but as its leading one; in 3.00000002 another limb does. */
-TEST(FastRoot, WalksWhereALaterLimbScalesTo100000000) {
+TEST_P(FastRoot, WalksWhereALaterLimbScalesTo100000000) {
     EXPECT_EQ(taken_for_root(decimal("2")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("2.5")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("3.00000002")), Taken::declined);
@@ -218,7 +227,7 @@ TEST(FastRoot, WalksWhereALaterLimbScalesTo100000000) {
 
 /* The iteration ends 21 units of the last place above the root: a product limb of 10^8 meets a borrow and a
  * zero limb. A jump without the test of isolation would be wrong here. */
-TEST(FastRoot, WalksToAnEndThatIsNotTheRoot) {
+TEST_P(FastRoot, WalksToAnEndThatIsNotTheRoot) {
     const QZCICalcNumber number =
         decimal("3.948383042540899942601033785142013664150640921121823297494522481044947174508251"
                 "6706084711236717707734206413648184133600498949746975858676740138817488979834455918");
@@ -229,12 +238,20 @@ TEST(FastRoot, WalksToAnEndThatIsNotTheRoot) {
 }
 
 /* Two neighbouring guesses satisfy the condition for an end. */
-TEST(FastRoot, WalksWhereTwoEndsAreSideBySide) {
+TEST_P(FastRoot, WalksWhereTwoEndsAreSideBySide) {
     const QZCICalcNumber number =
         decimal("0.649439026817810204357118806767576036108813261818247901850229812548849268640787"
                 "5719025215689535028404439403410823941189675875514073587611226924320309633094962877");
     EXPECT_EQ(taken_for_root(number), Taken::declined);
 }
+
+INSTANTIATE_TEST_SUITE_P(Kernels, FastKernels, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastSum, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastDifference, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastProduct, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotientByLimb, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotient, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastRoot, testing::ValuesIn(all_levels), level_name);
 
 } // namespace
 } // namespace qzoci::test

@@ -2,6 +2,7 @@
  * lines of the plain steps. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/oci_calc_number_elementary.h"
+#include "tests/limbs/levels.h"
 #include "tests/limbs/random_records.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/operations.h"
@@ -19,15 +20,6 @@ namespace qzoci::test {
 namespace {
 
 constexpr engine::Trace plain = {false, false};
-
-class Levels : public testing::TestWithParam<limbs::Level> {
-protected:
-    void SetUp() override { level_ = limbs::force_level(GetParam()); }
-
-    void TearDown() override { limbs::force_level(limbs::best_level()); }
-
-    limbs::Level level_ = limbs::Level::portable;
-};
 
 struct Effect {
     sb8 status;
@@ -147,19 +139,19 @@ TEST_P(Levels, AreTheLevelAskedForOrTheBestBelow) {
     EXPECT_EQ(level_, std::min(GetParam(), limbs::best_level()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Kernels, Levels,
-                         testing::Values(limbs::Level::portable, limbs::Level::avx2, limbs::Level::avx512),
-                         [](const auto& level) {
-                             switch (level.param) {
-                             case limbs::Level::portable:
-                                 return "portable";
-                             case limbs::Level::avx2:
-                                 return "avx2";
-                             case limbs::Level::avx512:
-                                 return "avx512";
-                             }
-                             return "";
-                         });
+TEST_P(Levels, HaveKernelsOfTheirOwn) {
+    const limbs::Kernels& kernels = limbs::kernels();
+    for (const limbs::Level level : all_levels) {
+        const bool same_level = limbs::force_level(level) == level_;
+        EXPECT_EQ(&limbs::kernels() == &kernels, same_level);
+        EXPECT_EQ(limbs::kernels().sum == kernels.sum, same_level);
+        EXPECT_EQ(limbs::kernels().difference == kernels.difference, same_level);
+        EXPECT_EQ(limbs::kernels().product == kernels.product, same_level);
+        EXPECT_EQ(limbs::kernels().half == kernels.half, same_level);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, Levels, testing::ValuesIn(all_levels), level_name);
 
 } // namespace
 } // namespace qzoci::test

@@ -1,0 +1,391 @@
+#include "qzoci/limbs/avx2.h"
+#include "qzoci/limbs/x86.h"
+
+#if QZOCI_HAS_X86_KERNELS
+
+#include <immintrin.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+
+/* Each function carries the instruction set itself, so that no other file's code is compiled for it. */
+#define QZOCI_AVX2 __attribute__((target("avx2,bmi,bmi2,lzcnt")))
+
+namespace qzoci::limbs {
+namespace {
+
+using std::uint64_t;
+using Vector = __m256i; /* 8 limbs, or 4 columns */
+
+constexpr int vector_limbs = 8;
+constexpr int parts = limb_count / vector_limbs;
+
+/* A whole array. */
+struct Loaded {
+    Vector part[parts];
+};
+
+QZOCI_AVX2 inline Vector all(Limb limb) {
+    return _mm256_set1_epi32(static_cast<int>(limb));
+}
+
+QZOCI_AVX2 inline Vector load_vector(const Limb* limbs) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(limbs));
+}
+
+QZOCI_AVX2 inline void store(const Loaded& a, Limb* result) {
+    for (int part = 0; part < parts; ++part) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(result + part * vector_limbs), a.part[part]);
+    }
+}
+
+/* ---- Masks ---- */
+
+/* Lanes of limbs from a first one on: those of 8 limbs from limb i on stand at from_first(first) + i, for i -
+ * first from -48 to 47. */
+constexpr int steps = 48;
+
+constexpr std::array<std::int32_t, 2 * steps + vector_limbs> step_lanes = [] {
+    std::array<std::int32_t, 2 * steps + vector_limbs> lanes = {};
+    std::fill(lanes.begin() + steps, lanes.end(), -1);
+    return lanes;
+}();
+
+/* Set in the lanes of the limbs from first on, of the eight that start with limb start. */
+QZOCI_AVX2 inline Vector lanes_from(int first, int start) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(step_lanes.data() + steps + start - first));
+}
+
+/* The limbs first..last, zeros elsewhere. */
+QZOCI_AVX2 inline Loaded load(const Magnitude& a) {
+    Loaded loaded;
+    for (int part = 0; part < parts; ++part) {
+        const int start = part * vector_limbs;
+        const Vector up_to_last =
+            _mm256_andnot_si256(lanes_from(a.last + 1, start), load_vector(a.limbs + start));
+        loaded.part[part] = _mm256_and_si256(up_to_last, lanes_from(a.first, start));
+    }
+    return loaded;
+}
+
+QZOCI_AVX2 inline Vector larger(Vector a, Vector b) {
+    return _mm256_max_epu32(a, b);
+}
+
+QZOCI_AVX2 inline Vector largest(const Loaded& a) {
+    return larger(larger(larger(a.part[0], a.part[1]), larger(a.part[2], a.part[3])), a.part[4]);
+}
+
+/* True when a lane is at least the bound. */
+QZOCI_AVX2 inline bool any_from(Vector limbs, Limb bound) {
+    return _mm256_movemask_epi8(_mm256_cmpeq_epi32(larger(limbs, all(bound)), limbs)) != 0;
+}
+
+/* One bit a limb; the most significant limb is the highest bit, limb 39 the lowest. */
+using LimbMask = uint64_t;
+
+constexpr LimbMask bit(int limb) {
+    return LimbMask{1} << (limb_count - 1 - limb);
+}
+
+constexpr LimbMask bits(int first, int last) {
+    return 2 * bit(first) - bit(last);
+}
+
+/* From lanes that are all ones or all zeros. */
+QZOCI_AVX2 inline LimbMask mask_of(const Loaded& lanes) {
+    /* A byte a limb, in each half of the vector four of each part; then moved to their places, last first. */
+    const Vector bytes = _mm256_packs_epi16(_mm256_packs_epi32(lanes.part[0], lanes.part[1]),
+                                            _mm256_packs_epi32(lanes.part[2], lanes.part[3]));
+    const Vector swapped =
+        _mm256_shuffle_epi8(bytes, _mm256_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12, 3,
+                                                    2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12));
+    const Vector reversed = _mm256_permutevar8x32_epi32(swapped, _mm256_setr_epi32(7, 3, 6, 2, 5, 1, 4, 0));
+    const Vector last = _mm256_permutevar8x32_epi32(lanes.part[4], _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0));
+    const auto high = static_cast<std::uint32_t>(_mm256_movemask_epi8(reversed));
+    const auto low = static_cast<std::uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(last)));
+    return LimbMask{high} << vector_limbs | low;
+}
+
+/* All ones in the lanes of a part whose bits are set. */
+template <int Part>
+QZOCI_AVX2 inline Vector lanes_of(Vector broadcast_mask) {
+    const Vector byte = _mm256_shuffle_epi8(broadcast_mask, _mm256_set1_epi8(parts - 1 - Part));
+    const Vector lane_bits = _mm256_setr_epi32(128, 64, 32, 16, 8, 4, 2, 1);
+    return _mm256_cmpeq_epi32(_mm256_and_si256(byte, lane_bits), lane_bits);
+}
+
+QZOCI_AVX2 inline Loaded lanes_of(LimbMask mask) {
+    const Vector broadcast = _mm256_set1_epi64x(static_cast<long long>(mask));
+    return {{lanes_of<0>(broadcast), lanes_of<1>(broadcast), lanes_of<2>(broadcast), lanes_of<3>(broadcast),
+             lanes_of<4>(broadcast)}};
+}
+
+QZOCI_AVX2 inline LimbMask zeros_of(const Loaded& a) {
+    Loaded zero;
+    for (int part = 0; part < parts; ++part) {
+        zero.part[part] = _mm256_cmpeq_epi32(a.part[part], _mm256_setzero_si256());
+    }
+    return mask_of(zero);
+}
+
+QZOCI_AVX2 inline Extent extent_of(const Loaded& a) {
+    const LimbMask non_zero = bits(0, limb_count - 1) & ~zeros_of(a);
+    if (non_zero == 0) {
+        return {-1, -1};
+    }
+    return {std::countl_zero(non_zero) - (64 - limb_count), limb_count - 1 - std::countr_zero(non_zero)};
+}
+
+/* ---- Sum and difference ---- */
+
+/* The limbs that a carry or borrow enters, from those that make one and those that pass one on (limbs of
+ * 99999999 in a sum, equal limbs in a difference): the carry of an addition of the masks runs through the bits
+ * of limbs that pass it on, and changes them and the one that it ends in. Bit 40 tells of one out of limb 0. */
+constexpr LimbMask carries_in(LimbMask makes, LimbMask passes) {
+    return (2 * makes + passes) ^ passes;
+}
+
+/* ---- Rounding at limb 39 ---- */
+
+/* One in limb 39 of part 4. */
+QZOCI_AVX2 inline Vector last_place() {
+    return _mm256_setr_epi32(0, 0, 0, 0, 0, 0, 0, 1);
+}
+
+/* Part 4 with up added, which is last_place() or zero: 99999999 becomes 1, without a carry. */
+QZOCI_AVX2 inline Vector rounded(Vector part, Vector up) {
+    const Vector sum = _mm256_add_epi32(part, up);
+    return _mm256_blendv_epi8(sum, last_place(), _mm256_cmpeq_epi32(sum, all(base)));
+}
+
+/* ---- Product ---- */
+
+/* The deciding limb of the rounding and the two guard columns after it, as in the portable kernel. */
+constexpr int deciding_limb = limb_count;
+constexpr int last_column = deciding_limb + 2;
+constexpr Limb guard_units = 42;
+constexpr int column_parts = parts + 1;
+
+/* Of eight columns, those with even and those with odd numbers, in 64-bit lanes. */
+struct Columns {
+    Vector even;
+    Vector odd;
+};
+
+/* An operand with zeros around its limbs, for windows that reach beyond the array. */
+class Padded {
+public:
+    QZOCI_AVX2 explicit Padded(const Loaded& a) {
+        _mm256_store_si256(reinterpret_cast<Vector*>(limbs_), _mm256_setzero_si256());
+        _mm256_store_si256(reinterpret_cast<Vector*>(limbs_ + vector_limbs + limb_count),
+                           _mm256_setzero_si256());
+        store(a, limbs_ + vector_limbs);
+    }
+
+    /* The eight limbs from limb start on; -8 <= start <= 40. */
+    QZOCI_AVX2 Vector window(int start) const { return load_vector(limbs_ + vector_limbs + start); }
+
+private:
+    alignas(Vector) Limb limbs_[vector_limbs + limb_count + vector_limbs];
+};
+
+/* The sums of all a_i * b_j with i + j - 19 = c, for the eight columns c from start on. A window of b, with a_i,
+ * serves the even columns and, with a_(i+1), the odd ones. */
+QZOCI_AVX2 inline Columns sums(const Magnitude& a, const Magnitude& b, const Padded& padded_b, int start) {
+    Columns columns = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+    const int low = std::max(a.first, start + units_limb - b.last);
+    const int high = std::min(a.last, start + units_limb + vector_limbs - 1 - b.first);
+    if (low > high) {
+        return columns;
+    }
+    Vector factor = all(a.limbs[low]);
+    columns.odd = _mm256_mul_epu32(factor, padded_b.window(start + units_limb - low + 1));
+    for (int i = low; i < high; ++i) {
+        const Vector window = padded_b.window(start + units_limb - i);
+        columns.even = _mm256_add_epi64(columns.even, _mm256_mul_epu32(factor, window));
+        factor = all(a.limbs[i + 1]);
+        columns.odd = _mm256_add_epi64(columns.odd, _mm256_mul_epu32(factor, window));
+    }
+    columns.even =
+        _mm256_add_epi64(columns.even, _mm256_mul_epu32(factor, padded_b.window(start + units_limb - high)));
+    return columns;
+}
+
+/* First pass. A column has at most min(c + 1, 60 - c) <= 30 products (a.first + b.first >= 19), so it is below
+ * 3 * 10^17. q = floor(floor(c / 2^27) * M / 2^31) with M = floor(2^58 / 10^8) is not above c / 10^8, and less
+ * than 2^27 / 10^8 + 0.54 + 1 < 2.9 below it. So the rest is below 2.9 * 10^8, and with the carry, below 3 *
+ * 10^9, below 2^32. */
+QZOCI_AVX2 inline Vector first_carry(Vector column) {
+    const Vector product = _mm256_mul_epu32(_mm256_srli_epi64(column, 27), _mm256_set1_epi64x(2882303761));
+    return _mm256_srli_epi64(product, 31);
+}
+
+/* Second pass: floor(c / 10^8) for c < 2^32, since ceil(2^57 / 10^8) * 10^8 exceeds 2^57 by less than 2^25. It is
+ * at most 32, so a limb is left below 10^8 + 32. */
+QZOCI_AVX2 inline Vector second_carry(Vector column) {
+    return _mm256_srli_epi64(_mm256_mul_epu32(column, _mm256_set1_epi64x(1441151881)), 57);
+}
+
+/* Columns less the carries from them and plus those to them: from an odd column it stays in its lane, from an even one it moves
+ * down by a lane, the first one of the columns below into the last lane. */
+QZOCI_AVX2 inline Columns carried(const Columns& columns, Vector from_even, Vector from_odd,
+                                  Vector from_below) {
+    const Vector limb = _mm256_set1_epi64x(base);
+    const Vector to_odd = _mm256_permute4x64_epi64(_mm256_blend_epi32(from_even, from_below, 0x03), 0x39);
+    const Vector rest_even = _mm256_sub_epi64(columns.even, _mm256_mul_epu32(from_even, limb));
+    const Vector rest_odd = _mm256_sub_epi64(columns.odd, _mm256_mul_epu32(from_odd, limb));
+    return {_mm256_add_epi64(rest_even, from_odd), _mm256_add_epi64(rest_odd, to_odd)};
+}
+
+/* Carries on where limbs of base to base + 32 are left: about three products in a million. */
+void ripple(Limb* limbs, int first, int last) {
+    Limb carry = 0;
+    for (int i = last; i >= first; --i) {
+        limbs[i] += carry;
+        carry = limbs[i] >= base ? 1 : 0;
+        limbs[i] -= carry != 0 ? base : 0;
+    }
+}
+
+} // namespace
+
+QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) {
+    const Loaded a = load({operands.a, operands.first, operands.last});
+    const Loaded b = load({operands.b, operands.first, operands.last});
+    Loaded sum;
+    Loaded makes;
+    Loaded passes;
+    for (int part = 0; part < parts; ++part) {
+        sum.part[part] = _mm256_add_epi32(a.part[part], b.part[part]);
+        makes.part[part] = _mm256_cmpgt_epi32(sum.part[part], all(max_limb));
+        passes.part[part] = _mm256_cmpeq_epi32(sum.part[part], all(max_limb));
+    }
+    const LimbMask in = carries_in(mask_of(makes), mask_of(passes));
+    /* A carry into limb 0 is an overflow; one out of it would be lost here. */
+    if (any_from(larger(largest(a), largest(b)), base) || (in & (bit(0) | 2 * bit(0))) != 0) {
+        return false;
+    }
+    const Loaded carry = lanes_of(in);
+    for (int part = 0; part < parts; ++part) {
+        const Vector carried = _mm256_sub_epi32(sum.part[part], carry.part[part]);
+        /* Below base, the difference wraps and is the larger. */
+        sum.part[part] = _mm256_min_epu32(carried, _mm256_sub_epi32(carried, all(base)));
+    }
+    store(sum, result);
+    extent = extent_of(sum);
+    return true;
+}
+
+QZOCI_AVX2 bool difference_avx2(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger) {
+    Loaded a;
+    Loaded b;
+    Loaded above;
+    Loaded below;
+    for (int part = 0; part < parts; ++part) {
+        a.part[part] = load_vector(operands.a + part * vector_limbs);
+        b.part[part] = load_vector(operands.b + part * vector_limbs);
+        above.part[part] = _mm256_cmpgt_epi32(a.part[part], b.part[part]);
+        below.part[part] = _mm256_cmpgt_epi32(b.part[part], a.part[part]);
+    }
+    const LimbMask a_above = mask_of(above);
+    const LimbMask a_below = mask_of(below);
+    const LimbMask differing = a_above | a_below;
+    /* Also where limbs outside first..last differ: the plain steps compare but do not subtract them. */
+    if (differing == 0 || (differing & ~bits(operands.first, operands.last)) != 0 ||
+        any_from(larger(largest(a), largest(b)), base)) {
+        return false;
+    }
+    const bool larger_is_a = a_above > a_below;
+    const LimbMask in = carries_in(larger_is_a ? a_below : a_above, bits(0, limb_count - 1) & ~differing);
+    const Loaded borrow = lanes_of(in);
+    const Vector negation = all(larger_is_a ? 0 : ~Limb{0});
+    Loaded difference;
+    for (int part = 0; part < parts; ++part) {
+        const Vector forward = _mm256_sub_epi32(a.part[part], b.part[part]);
+        const Vector signed_difference = _mm256_sub_epi32(_mm256_xor_si256(forward, negation), negation);
+        const Vector less_borrow = _mm256_add_epi32(signed_difference, borrow.part[part]);
+        /* Below zero, it has wrapped and is the larger. */
+        difference.part[part] = _mm256_min_epu32(less_borrow, _mm256_add_epi32(less_borrow, all(base)));
+    }
+    store(difference, result);
+    extent = extent_of(difference);
+    a_is_larger = larger_is_a;
+    return true;
+}
+
+/* See the portable kernel for the condition and its proof. Eight columns at a time from the last ones on: what
+ * they hand up is settled before the columns above take it. The carry of column 0 is dropped. */
+QZOCI_AVX2 bool product_avx2(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent) {
+    const Loaded loaded_a = load(a);
+    const Loaded loaded_b = load(b);
+    if (any_from(larger(largest(loaded_a), largest(loaded_b)), base)) {
+        return false;
+    }
+    const Padded padded_b(loaded_b);
+    const int first = std::max(a.first + b.first - units_limb - 1, 0) / vector_limbs;
+    const int last_of_all = a.last + b.last - units_limb;
+    const bool exact = last_of_all <= last_column;
+    const int last = std::min(last_of_all, last_column) / vector_limbs;
+    alignas(Vector) Limb limbs[column_parts * vector_limbs] = {};
+    Vector below[2] = {_mm256_setzero_si256(), _mm256_setzero_si256()};
+    Vector greatest = _mm256_setzero_si256();
+    for (int part = last; part >= first; --part) {
+        Columns columns = sums(a, b, padded_b, part * vector_limbs);
+        const Vector even1 = first_carry(columns.even);
+        columns = carried(columns, even1, first_carry(columns.odd), below[0]);
+        const Vector even2 = second_carry(columns.even);
+        columns = carried(columns, even2, second_carry(columns.odd), below[1]);
+        below[0] = even1;
+        below[1] = even2;
+        const Vector packed = _mm256_or_si256(columns.even, _mm256_slli_epi64(columns.odd, 32));
+        greatest = larger(greatest, packed);
+        _mm256_store_si256(reinterpret_cast<Vector*>(limbs) + part, packed);
+    }
+    if (any_from(greatest, base)) {
+        ripple(limbs, first * vector_limbs, last * vector_limbs + vector_limbs - 1);
+    }
+    const bool inconclusive =
+        limbs[limb_count - 1] == max_limb ||
+        (limbs[deciding_limb] == base / 2 - 1 && limbs[deciding_limb + 1] >= base - guard_units);
+    if (!exact && inconclusive) {
+        return false;
+    }
+    const Vector up = _mm256_and_si256(all(limbs[deciding_limb] >= base / 2 ? 1 : 0), last_place());
+    Loaded product;
+    for (int part = 0; part < parts; ++part) {
+        product.part[part] = load_vector(limbs + part * vector_limbs);
+    }
+    product.part[parts - 1] = rounded(product.part[parts - 1], up);
+    store(product, result);
+    extent = extent_of(product);
+    return true;
+}
+
+/* See the portable kernel. The limb above a limb comes by moving the array up by one. */
+QZOCI_AVX2 bool half_avx2(const Magnitude& a, Limb* result, Extent& extent) {
+    const Loaded x = load(a);
+    if (any_from(largest(x), base)) {
+        return false;
+    }
+    Loaded halves;
+    for (int part = 0; part < parts; ++part) {
+        const Vector before = part == 0 ? _mm256_setzero_si256() : x.part[part - 1];
+        const Vector above =
+            _mm256_alignr_epi8(x.part[part], _mm256_permute2x128_si256(before, x.part[part], 0x21), 12);
+        const Vector odd_above = _mm256_srai_epi32(_mm256_slli_epi32(above, 31), 31);
+        halves.part[part] =
+            _mm256_add_epi32(_mm256_srli_epi32(x.part[part], 1), _mm256_and_si256(odd_above, all(base / 2)));
+    }
+    halves.part[parts - 1] =
+        rounded(halves.part[parts - 1], _mm256_and_si256(x.part[parts - 1], last_place()));
+    store(halves, result);
+    extent = extent_of(halves);
+    return true;
+}
+
+} // namespace qzoci::limbs
+
+#endif /* QZOCI_HAS_X86_KERNELS */

@@ -1,0 +1,16 @@
+/* Kernels in AVX2. To be called only where dispatch.cpp has found it. */
+#ifndef QZOCI_LIMBS_AVX2_H
+#define QZOCI_LIMBS_AVX2_H
+
+#include "qzoci/limbs/limbs.h"
+
+namespace qzoci::limbs {
+
+bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent);
+bool difference_avx2(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger);
+bool product_avx2(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent);
+bool half_avx2(const Magnitude& a, Limb* result, Extent& extent);
+
+} // namespace qzoci::limbs
+
+#endif /* QZOCI_LIMBS_AVX2_H */
