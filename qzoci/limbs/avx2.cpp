@@ -36,6 +36,7 @@ QZOCI_AVX2 inline Vector load_vector(const Limb* limbs) {
 }
 
 QZOCI_AVX2 inline void store(const Loaded& a, Limb* result) {
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(result + part * vector_limbs), a.part[part]);
     }
@@ -61,6 +62,7 @@ QZOCI_AVX2 inline Vector lanes_from(int first, int start) {
 /* The limbs first..last, zeros elsewhere. */
 QZOCI_AVX2 inline Loaded load(const Magnitude& a) {
     Loaded loaded;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const int start = part * vector_limbs;
         const Vector up_to_last =
@@ -125,6 +127,7 @@ QZOCI_AVX2 inline Loaded lanes_of(LimbMask mask) {
 
 QZOCI_AVX2 inline LimbMask zeros_of(const Loaded& a) {
     Loaded zero;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         zero.part[part] = _mm256_cmpeq_epi32(a.part[part], _mm256_setzero_si256());
     }
@@ -258,6 +261,7 @@ QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) 
     Loaded sum;
     Loaded makes;
     Loaded passes;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         sum.part[part] = _mm256_add_epi32(a.part[part], b.part[part]);
         makes.part[part] = _mm256_cmpgt_epi32(sum.part[part], all(max_limb));
@@ -269,6 +273,7 @@ QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) 
         return false;
     }
     const Loaded carry = lanes_of(in);
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const Vector carried = _mm256_sub_epi32(sum.part[part], carry.part[part]);
         /* Below base, the difference wraps and is the larger. */
@@ -284,6 +289,7 @@ QZOCI_AVX2 bool difference_avx2(const Aligned& operands, Limb* result, Extent& e
     Loaded b;
     Loaded above;
     Loaded below;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         a.part[part] = load_vector(operands.a + part * vector_limbs);
         b.part[part] = load_vector(operands.b + part * vector_limbs);
@@ -303,6 +309,7 @@ QZOCI_AVX2 bool difference_avx2(const Aligned& operands, Limb* result, Extent& e
     const Loaded borrow = lanes_of(in);
     const Vector negation = all(larger_is_a ? 0 : ~Limb{0});
     Loaded difference;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const Vector forward = _mm256_sub_epi32(a.part[part], b.part[part]);
         const Vector signed_difference = _mm256_sub_epi32(_mm256_xor_si256(forward, negation), negation);
@@ -355,6 +362,7 @@ QZOCI_AVX2 bool product_avx2(const Magnitude& a, const Magnitude& b, Limb* resul
     }
     const Vector up = _mm256_and_si256(all(limbs[deciding_limb] >= base / 2 ? 1 : 0), last_place());
     Loaded product;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         product.part[part] = load_vector(limbs + part * vector_limbs);
     }
@@ -371,6 +379,7 @@ QZOCI_AVX2 bool half_avx2(const Magnitude& a, Limb* result, Extent& extent) {
         return false;
     }
     Loaded halves;
+    QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const Vector before = part == 0 ? _mm256_setzero_si256() : x.part[part - 1];
         const Vector above =

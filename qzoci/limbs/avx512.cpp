@@ -129,9 +129,11 @@ QZOCI_AVX512 inline void carry_pass(Columns<Vectors>& columns) {
     const Vector limb = _mm512_set1_epi64(base);
     Vector from_even[Vectors + 1];
     from_even[Vectors] = _mm512_setzero_si512();
+    QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         from_even[v] = over_base(columns.even[v]);
     }
+    QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         const Vector from_odd = over_base(columns.odd[v]);
         const Vector rest_even = _mm512_sub_epi64(columns.even[v], _mm512_mul_epu32(from_even[v], limb));
@@ -159,6 +161,7 @@ QZOCI_AVX512 inline Loaded at_column(const Vector (&packed)[Vectors], int first)
                                 ? bits(first, limb_count - 1)
                                 : bits(first, first + Vectors * vector_limbs - 1);
     Loaded placed;
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         const Vector source = _mm512_add_epi32(iota, _mm512_set1_epi32(part * vector_limbs - first));
         const __mmask16 mask = part_of(filled, part);
@@ -186,16 +189,19 @@ QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bo
     carry_pass(columns);
     Vector packed[Vectors];
     __mmask16 excess = 0;
+    QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         packed[v] = _mm512_or_si512(columns.even[v], _mm512_slli_epi64(columns.odd[v], 32));
         excess |= _mm512_cmpge_epu32_mask(packed[v], all(base));
     }
     if (excess != 0) {
         Limb limbs[Vectors * vector_limbs];
+        QZOCI_UNROLLED
         for (int v = 0; v < Vectors; ++v) {
             _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
         }
         ripple(limbs, Vectors * vector_limbs);
+        QZOCI_UNROLLED
         for (int v = 0; v < Vectors; ++v) {
             packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
         }
@@ -203,6 +209,7 @@ QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bo
     LimbMask rounding = 0; /* columns from half a base on */
     LimbMask below_half = 0;
     LimbMask near_top = 0;
+    QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         const int shift = v * vector_limbs + first;
         rounding |= LimbMask{_mm512_cmpge_epu32_mask(packed[v], all(base / 2))} << shift;
@@ -235,6 +242,7 @@ template <int Vectors>
 QZOCI_AVX512 bool product_by_loads(const Magnitude& a, const Magnitude& b, int first, bool exact,
                                    Limb* result, Extent& extent) {
     Columns<Vectors> columns;
+    QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         columns.even[v] = _mm512_setzero_si512();
         columns.odd[v] = _mm512_setzero_si512();
@@ -248,6 +256,7 @@ QZOCI_AVX512 bool product_by_loads(const Magnitude& a, const Magnitude& b, int f
         /* Masked-off limbs are not read; the address may lie outside the array. */
         const auto address = reinterpret_cast<std::uintptr_t>(b.limbs) +
                              static_cast<std::uintptr_t>(std::intptr_t{start} * std::intptr_t{sizeof(Limb)});
+        QZOCI_UNROLLED
         for (int v = 0; v < Vectors; ++v) {
             const Vector limbs = _mm512_maskz_loadu_epi32(
                 part_of(window, v),
@@ -311,6 +320,7 @@ QZOCI_AVX512 bool sum_avx512(const Aligned& operands, Limb* result, Extent& exte
     Loaded sum;
     __mmask16 makes[3];
     __mmask16 passes[3];
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         sum.part[part] = _mm512_add_epi32(a.part[part], b.part[part]);
         makes[part] = _mm512_cmpge_epu32_mask(sum.part[part], all(base));
@@ -322,6 +332,7 @@ QZOCI_AVX512 bool sum_avx512(const Aligned& operands, Limb* result, Extent& exte
     if (!is_canonical(a) || !is_canonical(b) || (out & (bit(0) | bit(1))) != 0) {
         return false;
     }
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         sum.part[part] =
             _mm512_mask_add_epi32(sum.part[part], part_of(out >> 1, part), sum.part[part], all(1));
@@ -338,6 +349,7 @@ QZOCI_AVX512 bool difference_avx512(const Aligned& operands, Limb* result, Exten
     const Loaded b = load({operands.b, 0, limb_count - 1});
     __mmask16 above[3];
     __mmask16 below[3];
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         above[part] = _mm512_cmpgt_epu32_mask(a.part[part], b.part[part]);
         below[part] = _mm512_cmplt_epu32_mask(a.part[part], b.part[part]);
@@ -354,6 +366,7 @@ QZOCI_AVX512 bool difference_avx512(const Aligned& operands, Limb* result, Exten
     const LimbMask makes = larger_is_a ? a_below : a_above;
     const LimbMask out = carries_out(makes, inside & ~(a_above | a_below));
     Loaded difference;
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         const Vector forward = _mm512_sub_epi32(a.part[part], b.part[part]);
         const Vector signed_difference =
@@ -411,6 +424,7 @@ QZOCI_AVX512 bool half_avx512(const Magnitude& a, Limb* result, Extent& extent) 
                _mm512_test_epi32_mask(x.part[2], all(1)));
     const LimbMask below_odd = odd << 1;
     Loaded halves;
+    QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         const Vector half = _mm512_srli_epi32(x.part[part], 1);
         halves.part[part] = _mm512_add_epi32(
