@@ -128,6 +128,26 @@ bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber&
     return true;
 }
 
+/* |modend| > |modor|, finite; modor has two or more limbs. */
+bool try_remainder(Trace t, const QZCICalcNumber& modend, const QZCICalcNumber& modor,
+                   QZCICalcNumber& remainder) {
+    if (!is_ordinary(modend) || !is_ordinary(modor) || modor.data_part[modor.start_pos] == 0 ||
+        modend.data_part[modend.start_pos] == 0 || modend.start_pos > modor.start_pos) {
+        return false;
+    }
+    const sb1 sign = modend.num_signed;
+    /* modend's limbs count down to modor's last one, even those after its end position. */
+    const limbs::Magnitude dividend = {modend.data_part, modend.start_pos,
+                                       std::max(modend.end_pos, modor.end_pos)};
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::remainder,
+                   limbs::kernels().remainder(dividend, magnitude(modor), remainder.data_part, extent))) {
+        return false;
+    }
+    set_fields(remainder, extent, sign);
+    return true;
+}
+
 /* ---- Addition and subtraction ---- */
 
 /* The sum of two finite records of equal sign. */
@@ -743,6 +763,9 @@ sword remainder_of(Trace t, const QZCICalcNumber* modend, const QZCICalcNumber* 
                         ptr(modor), status);
         }
         return status;
+    }
+    if (t.fast && try_remainder(t, *modend, *modor, cresult)) {
+        return OCI_SUCCESS;
     }
     return modulo_long(*modend, *modor, cresult);
 }

@@ -14,14 +14,17 @@
 namespace qzoci::limbs {
 namespace {
 
-constexpr Kernels portable_kernels = {sum_portable,  difference_portable,       product_portable,
-                                      half_portable, quotient_by_limb_portable, quotient_portable};
+constexpr Kernels portable_kernels = {sum_portable,      difference_portable,       product_portable,
+                                      half_portable,     quotient_by_limb_portable, quotient_portable,
+                                      remainder_portable};
 
 #if QZOCI_HAS_X86_KERNELS
-constexpr Kernels avx2_kernels = {sum_avx2,  difference_avx2,           product_avx2,
-                                  half_avx2, quotient_by_limb_portable, quotient_portable};
-constexpr Kernels avx512_kernels = {sum_avx512,  difference_avx512,         product_avx512,
-                                    half_avx512, quotient_by_limb_portable, quotient_portable};
+constexpr Kernels avx2_kernels = {sum_avx2,          difference_avx2,           product_avx2,
+                                  half_avx2,         quotient_by_limb_portable, quotient_portable,
+                                  remainder_portable};
+constexpr Kernels avx512_kernels = {sum_avx512,        difference_avx512,         product_avx512,
+                                    half_avx512,       quotient_by_limb_portable, quotient_portable,
+                                    remainder_portable};
 
 bool has_avx2() {
     __builtin_cpu_init();

@@ -66,6 +66,11 @@ struct Kernels {
     /* The quotient by a divisor of two or more limbs, rounded at limb 39: up from 50000000 in limb 40, with a
      * carry. Precondition: divisor.first - dividend.first <= 18, divisor.limbs[divisor.first] non-zero. */
     bool (*quotient)(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
+
+    /* What is left of the dividend after its division by a divisor of two or more limbs, down to the units.
+     * Precondition: dividend.first <= divisor.first, dividend.last >= divisor.last, both leading limbs
+     * non-zero. */
+    bool (*remainder)(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
 };
 
 /* Which instruction set the kernels use; each includes those before it. */

@@ -1,25 +1,24 @@
-/* The quotient by a divisor of several limbs, where its laid-down digits are known to be the true ones.
+/* Quotient and remainder by a divisor of several limbs, where the laid-down digits are known to be the true
+ * ones.
  *
  * The plain steps scale both operands by d = floor(B / (v_0 + 1)) to u' and v' (B = 10^8, v_0 the leading
  * divisor limb; limbs here are counted from the most significant one), estimate each digit from two limbs,
  * subtract its product and add back once at most. Two oddities can make a digit differ from the true one:
  *   - scaling and product forming keep a limb of exactly B;
- *   - a two-limb divisor takes the first estimate unrefined.
+ *   - a two-limb divisor, n = 2, takes the first estimate unrefined.
  *
  * Lemma 1. Scaling canonical x by m leaves a limb equal to B iff m * x_i + c_i = B for the carry c_i <= m - 1
  * that enters it; then x_i = floor(B / m), since (B - m, B] holds one multiple of m. []
  *
  * Lemma 2. If no limb of u' and v' is B, no product t * v' that is formed has a limb equal to B but possibly
- * its lowest, and n >= 3 or v'_1 <= v'_0, then every digit is the true one. For by induction each window U is
- * canonical and below B * v'. With n >= 3 the refinement is the classical two-limb test, so q <= qq <= q + 1.
- * With n = 2, qq - U / v' <= r / v' * v'_1 / v'_0 < 1 for the remainder's leading part r < v', so again qq <=
- * q + 1. All limbs are canonical, so the subtraction's borrow tells U < qq * v', and one add-back is exactly
- * enough. A lowest product limb of B meets no borrow and only borrows: value and borrow stay right. []
+ * its lowest, and n >= 3, then every digit is the true one. For by induction each window U is canonical and
+ * below B * v'. The refinement is the classical two-limb test, so q <= qq <= q + 1. All limbs are canonical, so
+ * the subtraction's borrow tells U < qq * v', and one add-back is exactly enough. A lowest product limb of B meets no borrow and only borrows: value and borrow stay right. []
  *
  * Lemma 3. A product limb t * v'_i + c equals B only if v'_i = floor(B / t), and then t <= 10^4 or v'_i <=
  * 10^4. The multipliers t are a digit q or q + 1. []
  *
- * Lemma 4. Let n >= 3 and Lemma 2 hold but for limbs B in u'. If every true digit after the leading one, up
+ * Lemma 4. Let Lemma 2 hold but for limbs B in u'. If every true digit after the leading one, up
  * to and with the first that is not used, lies in 5..B - 3, the digits are still the true ones. For a limb B
  * keeps all values right; only two things can go wrong. (i) The borrow: with r the highest window position
  * holding B, no borrow leaves r, so the flag errs only if the subtrahend's part above r exceeds the window's
@@ -28,9 +27,18 @@
  * qq below q only if the remainder is below B^(n-2), hence the next digit 0; or qq starts from B instead of B
  * - 1, where the true digit is at least B - 2. []
  *
- * Only the digits down to the one below limb 39 are looked at; whatever later digits would be does not
- * matter. */
+ * Lemma 5. A limb of B in u' that is its leading one does no harm. For nothing is carried out of it, so the
+ * first window begins 0, B and its value is the true one; v'_0 >= B / 2 makes the trial digit 1, or 2 where
+ * v'_0 = B / 2, which Lemma 3 excludes. The subtrahend v' takes v'_0 < B and at most a borrow from that limb:
+ * it borrows nothing and is canonical from then on. []
+ *
+ * A quotient has its digits looked at down to the one below limb 39; whatever later digits would be does not
+ * matter. A remainder has them down to the units of v's last limb, and is then u - q * v: what is left of u',
+ * divided by d. By Lemma 2 it is left in canonical limbs; under Lemma 4 it need not be.
+ *
+ * With n = 2 the digits are formed as they are laid down, see TwoLimbDivision. */
 #include "qzoci/limbs/portable.h"
+#include "qzoci/limbs/reciprocal.h"
 #include "qzoci/limbs/wide.h"
 
 #include <algorithm>
@@ -64,7 +72,7 @@ struct Places {
 };
 
 /* scaled[0..count] = limbs[0..count-1] * factor, with the carry in scaled[0], all limbs canonical. False: the
- * plain scaling leaves a limb of exactly B. */
+ * plain scaling leaves a limb of exactly B that is not the leading one. */
 bool scale(const Limb* limbs, int count, Limb factor, Limb* scaled) {
     /* Upper and lower halves first, without a chain; then the carries, each 0 or 1 more. */
     uint64_t upper[limb_count + 1];
@@ -83,7 +91,7 @@ bool scale(const Limb* limbs, int count, Limb factor, Limb* scaled) {
     for (int i = count - 1; i >= 0; --i) {
         const Limb sum = scaled[i + 1] + static_cast<Limb>(upper[i + 1]) + carry;
         /* The plain scaling sees limb * factor + incoming carry. */
-        exact_base |= suspect && upper[i] * base + sum == base;
+        exact_base |= suspect && i > 0 && upper[i] * base + sum == base;
         carry = sum >= base ? 1 : 0;
         scaled[i + 1] = carry != 0 ? sum - base : sum;
     }
@@ -289,6 +297,114 @@ bool digits_stay_inside(const Limb* digits, int count, int extra, int64_t after)
     return std::all_of(digits + 1, digits + count + extra, inside) && (extra != 0 || clearly_inside(after));
 }
 
+/* ---- Divisors of two limbs ---- */
+
+/* The digits as they are laid down. A window (w_2, w_1, w_0) has h = w_2 * B + w_1; the trial digit is
+ * floor(h / v'_0), or B - 1 where w_2 = v'_0; the window loses its product with v' = v'_0 * B + v'_1, and gets
+ * v' back once where that went below zero, all modulo B^3. The next window begins with its two lower limbs,
+ * the next h. The unrefined trial digit can be two or more too large; then h is not the true rest but
+ * canonical all the same, and the next trial digit can exceed B, up to 2 B.
+ *
+ * The steps on limbs are these steps on values where every limb is canonical. With trial digit t, the lower
+ * product limb may be B: it meets no borrow and only borrows. The middle one, t * v'_0 + c, is B only for t =
+ * 2 and v'_0 = B / 2, for c = 0 at t = 1 and v'_0 >= B / 2: the kernels decline this divisor. The upper one
+ * is at most B + 1 and takes part in the sign alone, which is right. A limb of B in u' that is its leading one
+ * does no harm: t = 1 leaves B - v'_0 and no borrow. */
+class TwoLimbDivision {
+public:
+    TwoLimbDivision(Limb upper, Limb lower, std::uint64_t first_h)
+        : reciprocal_(upper), upper_(uint64_t{upper} * base), divisor_(upper_ + lower), h_(first_h) {}
+
+    /* The next digit, at most 2 B; next is the limb that the window gets. */
+    Limb digit(Limb next) {
+        uint64_t trial = reciprocal_.quotient(h_);
+        if (h_ - upper_ < base) {
+            trial = max_limb;
+        }
+        /* Below 3 B^2 in magnitude, so that the terms may wrap. */
+        auto left = static_cast<int64_t>(h_ * base + next - trial * divisor_);
+        const int64_t below_zero = left < 0 ? -1 : 0;
+        left += below_zero & static_cast<int64_t>(divisor_);
+        if (left < 0 || left >= pair_base) {
+            left %= pair_base;
+            left += left < 0 ? pair_base : 0;
+        }
+        h_ = static_cast<uint64_t>(left);
+        return static_cast<Limb>(trial + static_cast<uint64_t>(below_zero));
+    }
+
+    /* The two lower limbs of the last window. */
+    uint64_t rest() const { return h_; }
+
+private:
+    Reciprocal reciprocal_;
+    uint64_t upper_;
+    uint64_t divisor_;
+    uint64_t h_;
+};
+
+/* Both operands multiplied by the normalising factor, the carry first, canonical. */
+struct Scaled {
+    /* False: the plain scaling leaves a limb of exactly B, in the dividend other than as its leading one. */
+    bool scale_divisor(const Magnitude& v) {
+        factor = base / (v.limbs[v.first] + 1);
+        n = v.last - v.first + 1;
+        return scale(v.limbs + v.first, n, factor, divisor_with_carry);
+    }
+
+    bool scale_dividend(const Magnitude& u, int last) {
+        m = last - u.first + 1;
+        return scale(u.limbs + u.first, m, factor, dividend);
+    }
+
+    const Limb* divisor() const {
+        return divisor_with_carry + 1;
+    } /* the carry is 0 by choice of the factor */
+
+    /* Limb i of the dividend, the carry being limb 0. */
+    Limb dividend_limb(int i) const { return i <= m ? dividend[i] : 0; }
+
+    Limb factor = 0;
+    int n = 0;
+    int m = 0;
+    Limb divisor_with_carry[scaled_limbs];
+    Limb dividend[scaled_limbs];
+};
+
+/* Precondition: n = 2. */
+bool is_regular_two_limb_divisor(const Scaled& scaled) {
+    return scaled.divisor()[0] != base / 2;
+}
+
+TwoLimbDivision two_limb_division(const Scaled& scaled) {
+    return {scaled.divisor()[0], scaled.divisor()[1],
+            uint64_t{scaled.dividend[0]} * base + scaled.dividend_limb(1)};
+}
+
+/* ---- Remainder ---- */
+
+/* result = u - q * v over v's limbs, and u's own limbs after them. digits[j] stands at limb u.first + j -
+ * v.first before v's leading one; count = v.first - u.first + 1. Column sums are below 2^59. */
+void subtract_product(const Magnitude& u, const Magnitude& v, const Limb* digits, int count, Limb* result) {
+    Limb left[limb_count] = {};
+    std::copy(u.limbs + u.first, u.limbs + u.last + 1, left + u.first);
+    std::fill(left + u.first, left + v.first, 0U);
+    uint64_t borrow = 0;
+    for (int c = v.last; c >= v.first; --c) {
+        uint64_t subtrahend = borrow;
+        const int last_digit = std::min(count - 1, c - u.first);
+        for (int j = std::max(0, c - u.first - (v.last - v.first)); j <= last_digit; ++j) {
+            subtrahend += uint64_t{digits[j]} * v.limbs[v.first + c - u.first - j];
+        }
+        borrow = subtrahend / base;
+        const auto limb = static_cast<Limb>(subtrahend - borrow * base);
+        const bool borrows = left[c] < limb;
+        left[c] += (borrows ? base : 0) - limb;
+        borrow += borrows ? 1 : 0;
+    }
+    std::copy(left, left + limb_count, result);
+}
+
 } // namespace
 
 bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent) {
@@ -301,33 +417,72 @@ bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb
         extent = {-1, -1};
         return true;
     }
-    const int n = divisor.last - divisor.first + 1;
-    const int m = dividend.last - dividend.first + 1;
-    const Limb factor = base / (divisor.limbs[divisor.first] + 1);
-    Limb divisor_with_carry[scaled_limbs];
-    Limb scaled_dividend[scaled_limbs];
-    if (!scale(divisor.limbs + divisor.first, n, factor, divisor_with_carry)) {
+    Scaled scaled;
+    if (!scaled.scale_divisor(divisor)) {
         return false;
     }
-    const Limb* const scaled_divisor = divisor_with_carry + 1; /* the carry is 0 by choice of the factor */
-    if (n == 2 && scaled_divisor[1] > scaled_divisor[0]) {
-        return false;
-    }
-    const bool clean_dividend = scale(dividend.limbs + dividend.first, m, factor, scaled_dividend);
-    if (!clean_dividend && n == 2) {
-        return false;
+    const bool clean_dividend = scaled.scale_dividend(dividend, dividend.last);
+    Limb digits[max_digits];
+    if (scaled.n == 2) {
+        if (!clean_dividend || !is_regular_two_limb_divisor(scaled)) {
+            return false;
+        }
+        TwoLimbDivision division = two_limb_division(scaled);
+        for (int t = 0; t < places.digits; ++t) {
+            digits[t] = division.digit(scaled.dividend_limb(t + 2));
+        }
+        place(digits, places, result, extent);
+        return true;
     }
     const int pairs = (places.digits + 1) / 2;
-    Limb digits[max_digits];
     int64_t after = 0;
-    ColumnDivision(scaled_dividend, m + 1, scaled_divisor, n).run(pairs, digits, after);
-    if (!products_are_clean(digits, places.digits, scaled_divisor, n)) {
+    ColumnDivision(scaled.dividend, scaled.m + 1, scaled.divisor(), scaled.n).run(pairs, digits, after);
+    if (!products_are_clean(digits, places.digits, scaled.divisor(), scaled.n)) {
         return false;
     }
     if (!clean_dividend && !digits_stay_inside(digits, places.digits, 2 * pairs - places.digits, after)) {
         return false;
     }
     place(digits, places, result, extent);
+    return true;
+}
+
+bool remainder_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent) {
+    if (!is_canonical(dividend) || !is_canonical(divisor)) {
+        return false;
+    }
+    Scaled scaled;
+    if (!scaled.scale_divisor(divisor) || !scaled.scale_dividend(dividend, divisor.last)) {
+        return false;
+    }
+    const int count = divisor.first - dividend.first + 1;
+    if (scaled.n == 2) {
+        if (!is_regular_two_limb_divisor(scaled)) {
+            return false;
+        }
+        TwoLimbDivision division = two_limb_division(scaled);
+        for (int t = 0; t < count; ++t) {
+            division.digit(scaled.dividend_limb(t + 2));
+        }
+        const uint64_t rest = division.rest() / scaled.factor;
+        Limb left[limb_count] = {};
+        left[divisor.first] = static_cast<Limb>(rest / base);
+        left[divisor.last] = static_cast<Limb>(rest % base);
+        for (int i = divisor.last + 1; i <= dividend.last; ++i) {
+            left[i] = dividend.limbs[i];
+        }
+        std::copy(left, left + limb_count, result);
+    } else {
+        Limb digits[max_digits];
+        int64_t after = 0;
+        ColumnDivision(scaled.dividend, scaled.m + 1, scaled.divisor(), scaled.n)
+            .run((count + 1) / 2, digits, after);
+        if (!products_are_clean(digits, count, scaled.divisor(), scaled.n)) {
+            return false;
+        }
+        subtract_product(dividend, divisor, digits, count, result);
+    }
+    extent = extent_within(result, divisor.first, limb_count - 1);
     return true;
 }
 

@@ -20,6 +20,7 @@ bool half_portable(const Magnitude& a, Limb* result, Extent& extent);
 bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shift, Limb* result,
                                Extent& extent);
 bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
+bool remainder_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
 
 } // namespace qzoci::limbs
 

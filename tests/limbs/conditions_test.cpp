@@ -23,6 +23,7 @@ using FastDifference = Levels;
 using FastProduct = Levels;
 using FastQuotientByLimb = Levels;
 using FastQuotient = Levels;
+using FastRemainder = Levels;
 using FastRoot = Levels;
 
 enum class Taken { not_tried, finished, declined };
@@ -175,15 +176,36 @@ TEST_P(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
 
 TEST_P(FastQuotient, TakesADividendThatScalesToALimbOf100000000WhereDigitsStayInside) {
     const QZCICalcNumber divisor = decimal("1.414213562373095048801688724209698078569671875376948073176679");
-    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), divisor), Taken::finished);
-    /* 2 / 1.00000005... begins 1.99999990...: a digit near 99999999. */
-    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), decimal("1.000000000000000100000007")),
-              Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("3.00000002"), divisor), Taken::finished);
+    /* The quotient by 1.00000000... has the dividend's own limb 2 among its digits. */
+    EXPECT_EQ(
+        taken(engine::div, Stretch::quotient, decimal("3.00000002"), decimal("1.000000000000000100000007")),
+        Taken::declined);
+    /* As the leading limb it does no harm, whatever the digits: these are 1, 99999996, 0 ... */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), decimal("1.000000020000000400000007")),
+              Taken::finished);
 }
 
-TEST_P(FastQuotient, DeclinesATwoLimbDivisorWhoseLowerScaledLimbIsLarger) {
-    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("4"), decimal("2.03")), Taken::declined);
+TEST_P(FastQuotient, HasTheLaidDownDigitsOfATwoLimbDivisor) {
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("4"), decimal("2.03")), Taken::finished);
     EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("12.5")), Taken::finished);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7.25"), decimal("1.99999999")), Taken::finished);
+}
+
+TEST_P(FastQuotient, DeclinesATwoLimbDivisorThatMayMakeALimbOf100000000) {
+    /* Leading scaled limbs of 50000000, twice which is 10^8, and of 50000001. */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.00000001")), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("50000000.5")), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("1.00000003")), Taken::finished);
+    /* The factor 20000000 makes the lower limb 5 one of 10^8. */
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("4.00000005")), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("7"), decimal("4.00000006")), Taken::finished);
+}
+
+TEST_P(FastQuotient, DeclinesALaterLimbThatScalesTo100000000UnderATwoLimbDivisor) {
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("3.00000002"), decimal("1.5")), Taken::declined);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("3.00000003"), decimal("1.5")), Taken::finished);
+    EXPECT_EQ(taken(engine::div, Stretch::quotient, decimal("2"), decimal("1.5")), Taken::finished);
 }
 
 TEST_P(FastQuotient, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
@@ -204,6 +226,84 @@ TEST_P(FastQuotient, KnowsExactQuotients) {
         QZCICalcNumber result;
         engine::div({false, true}, &dividend, &divisor, &result);
         EXPECT_EQ(result, quotient) << factor;
+    }
+}
+
+TEST_P(FastRemainder, IsNotTriedWhereNothingIsDividedByTwoLimbs) {
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("3")), Taken::not_tried);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7.25"), decimal("-7.25")), Taken::not_tried);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7.25"), decimal("7.5")), Taken::not_tried);
+    for (const char* special : {"0", "-0", "inf", "-inf"}) {
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal(special), decimal("1.5")), Taken::not_tried);
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("1.5"), decimal(special)), Taken::not_tried);
+    }
+}
+
+TEST_P(FastRemainder, TakesLimbsAfterTheDividendsEndPosition) {
+    QZCICalcNumber cut = decimal("7.5");
+    cut.end_pos = 19;
+    for (const char* divisor : {"2.25", "1.4142135623730950488"}) {
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, cut, decimal(divisor)), Taken::finished);
+    }
+}
+
+TEST_P(FastRemainder, DeclinesLimbsAbove99999999) {
+    const QZCICalcNumber large = record_with_large_limbs();
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, large, decimal("1.5")), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), large), Taken::declined);
+}
+
+/* The true remainder, and one that the laid-down steps make of it. */
+TEST_P(FastRemainder, HasTheLaidDownDigitsOfATwoLimbDivisor) {
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7.3000000000000005"), decimal("2.5")),
+              Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("-13"), decimal("5.5")), Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("4e40"), decimal("2.03")), Taken::finished);
+}
+
+TEST_P(FastRemainder, DeclinesATwoLimbDivisorThatMayMakeALimbOf100000000) {
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("1.00000001")), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("1.00000003")), Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("4.00000005")), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("4.00000006")), Taken::finished);
+}
+
+TEST_P(FastRemainder, DeclinesALimbThatScalesTo100000000SaveTheLeadingDividendLimb) {
+    const QZCICalcNumber divisor = decimal("1.0000000700000005");
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), decimal("1.0000000300000002")),
+              Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("7"), divisor), Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("3.00000002"), divisor), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("2"), divisor), Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("3.00000002"), decimal("1.5")), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("2"), decimal("1.5")), Taken::finished);
+    /* Limbs below the divisor's last one take no part. */
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("3.000000030000000000000002"), decimal("1.5")),
+              Taken::finished);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("3.00000003000000000000000000000002"), divisor),
+              Taken::finished);
+}
+
+TEST_P(FastRemainder, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
+    const QZCICalcNumber divisor = decimal("50000000.250000000000000700000003");
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("200000001.1"), divisor), Taken::declined);
+    EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("371234567.1"), divisor), Taken::finished);
+}
+
+TEST_P(FastRemainder, OfAMultipleIsZeroOrTheDivisorLessOne) {
+    const QZCICalcNumber divisor = decimal("12345678.987654321234567898765");
+    const QZCICalcNumber last_place = decimal("1e-160");
+    for (const char* factor : {"7", "123456789", "99999999", "9999999999999999", "12345678901234567890123"}) {
+        const QZCICalcNumber quotient = decimal(factor);
+        QZCICalcNumber multiple;
+        QZCICalcNumber below;
+        engine::mul({false, false}, &divisor, &quotient, &multiple);
+        engine::sub({false, false}, &multiple, &last_place, &below);
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, multiple, divisor), Taken::finished) << factor;
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, below, divisor), Taken::finished) << factor;
+        QZCICalcNumber rest;
+        engine::mod({false, true}, &multiple, &divisor, &rest);
+        EXPECT_EQ(rest.is_zero, 1) << factor;
     }
 }
 
@@ -251,6 +351,7 @@ INSTANTIATE_TEST_SUITE_P(Kernels, FastDifference, testing::ValuesIn(all_levels),
 INSTANTIATE_TEST_SUITE_P(Kernels, FastProduct, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotientByLimb, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotient, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastRemainder, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastRoot, testing::ValuesIn(all_levels), level_name);
 
 } // namespace
