@@ -29,26 +29,6 @@ bool has_canonical_limbs(const QZCICalcNumber& num) {
  * Each try_ function finishes its stretch with the digits and flags of the plain steps, straight into the
  * caller's record, or is false with nothing written. */
 
-/* True for a finite, non-zero record whose positions a kernel may read between; the kernel itself tests the
- * limbs. */
-bool is_ordinary(const QZCICalcNumber& num) {
-    return num.is_zero == 0 && num.num_infinity == 0 && num.start_pos >= 0 && num.start_pos <= num.end_pos &&
-           num.end_pos < limb_count;
-}
-
-limbs::Magnitude magnitude(const QZCICalcNumber& num) {
-    return {num.data_part, num.start_pos, num.end_pos};
-}
-
-/* Sets the fields as the normaliser does for limbs of this extent. */
-void set_fields(QZCICalcNumber& num, limbs::Extent extent, sb1 sign) {
-    num.num_signed = sign == -1 ? sb1{-1} : sb1{1};
-    num.num_infinity = 0;
-    num.start_pos = static_cast<sb1>(extent.first);
-    num.end_pos = static_cast<sb1>(extent.last);
-    num.is_zero = extent.first < 0 ? sb1{1} : sb1{0};
-}
-
 /* a + b, or a - b where subtract is set. */
 bool try_sum(Trace t, const QZCICalcNumber& a, const QZCICalcNumber& b, bool subtract,
              QZCICalcNumber& result) {
@@ -788,6 +768,10 @@ sword round_to_integer(Trace t, const IntegerRounding& rounding, const QZCICalcN
     if (number == nullptr || result == nullptr) {
         return OCI_INVALID_HANDLE;
     }
+    const bool corrects = number->end_pos > units_limb && number->num_signed == rounding.corrected_sign;
+    if (t.fast && try_truncated(t, *number, corrects, *result)) {
+        return OCI_SUCCESS;
+    }
     QZCICalcNumber tmp_result = canonical_zero();
     sword status = assign(t, number, &tmp_result);
     if (status != OCI_SUCCESS) {
@@ -804,7 +788,7 @@ sword round_to_integer(Trace t, const IntegerRounding& rounding, const QZCICalcN
         QZOCI_ERROR("%s: QZCICalcNumToRound error", rounding.name);
         return status;
     }
-    if (number->end_pos > units_limb && number->num_signed == rounding.corrected_sign) {
+    if (corrects) {
         QZCICalcNumber adj_num;
         initCalcNumberFromInt(&adj_num, 1);
         status = rounding.correct(t, &tmp_result, &adj_num, &tmp_result);

@@ -41,16 +41,14 @@ void set_constant(QZCICalcNumber* num, const QZCICalcNumber& constant) {
 }
 
 /* Compares the limbs between the outermost positions of both records; 0 where a limb outside the record would be
- * compared. */
-sb1 compare_limbs(const QZCICalcNumber& num1, const QZCICalcNumber& num2) {
+ * compared first. */
+int compare_limbs(const QZCICalcNumber& num1, const QZCICalcNumber& num2) {
     const int first = std::min(num1.start_pos, num2.start_pos);
-    const int last = std::max(num1.end_pos, num2.end_pos);
-    for (int i = first; i <= last && is_limb_index(i); ++i) {
-        if (num1.data_part[i] != num2.data_part[i]) {
-            return num1.data_part[i] > num2.data_part[i] ? 1 : -1;
-        }
+    const int last = std::min<int>(std::max(num1.end_pos, num2.end_pos), limb_count - 1);
+    if (first < 0 || first > last) {
+        return 0;
     }
-    return 0;
+    return limbs::kernels().compare({num1.data_part, num2.data_part, first, last});
 }
 
 /* Compares the magnitudes of two non-zero records. infinity1 and infinity2 stand for the magnitude of an
@@ -111,13 +109,31 @@ void unpack_positive(const ub1* bytes, int length, QZCICalcNumber& num) {
     num.num_signed = 1;
 }
 
+/* Twenty pairs leave no room for a terminator; otherwise the last byte is taken to be one, unseen. */
+int last_negative_byte(const ub1* bytes, int length) {
+    return length == 21 && bytes[21] != terminator_byte ? 21 : length - 1;
+}
+
 void unpack_negative(const ub1* bytes, int length, QZCICalcNumber& num) {
-    /* Twenty pairs leave no room for a terminator; otherwise the last byte is taken to be one, unseen. */
-    const int last = length == 21 && bytes[21] != terminator_byte ? 21 : length - 1;
     place_pairs(
-        bytes, 64 - bytes[1], last, [](ub1 byte) { return 101 - static_cast<ub4>(byte); }, num);
+        bytes, 64 - bytes[1], last_negative_byte(bytes, length),
+        [](ub1 byte) { return 101 - static_cast<ub4>(byte); }, num);
     QZCICalcNumInit(&num);
     num.num_signed = -1;
+}
+
+/* Unpacks a finite, non-zero number of valid length, or is false with nothing written. */
+bool try_unpack(Trace t, const ub1* bytes, int length, QZCICalcNumber& num) {
+    const bool positive = bytes[1] > zero_exponent_byte;
+    const int last = positive ? length : last_negative_byte(bytes, length);
+    const limbs::StoredPairs stored = {bytes + first_mantissa_byte, std::max(last - 1, 0), !positive};
+    const int exponent = positive ? bytes[1] - 193 : 62 - bytes[1];
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::unpacking, limbs::kernels().unpack(stored, exponent, num.data_part, extent))) {
+        return false;
+    }
+    set_fields(num, extent, positive ? sb1{1} : sb1{-1});
+    return true;
 }
 
 void store_zero(OCINumber& number) {
@@ -235,6 +251,26 @@ bool pack(const QZCICalcNumber& num, OCINumber& number) {
     return true;
 }
 
+/* Packs a record whose exponent byte is in range for either sign, or is false with nothing written. */
+bool try_pack(Trace t, const QZCICalcNumber& num, OCINumber& number) {
+    constexpr int first_start = 5; /* e = 56..59; limb 4 has a pair with e = 63 */
+    constexpr int last_start = 35; /* e = -64..-61 */
+    if (!is_ordinary(num) || num.start_pos < first_start || num.start_pos > last_start) {
+        return false;
+    }
+    const bool positive = num.num_signed == 1;
+    const int leading_pair = (units_limb - num.start_pos) * pairs_per_limb + pairs_per_limb - 1;
+    ub1* const bytes = number.OCINumberPart;
+    limbs::PackedPairs packed = {0, 0};
+    if (!t.counted(Stretch::packing,
+                   limbs::kernels().pack(magnitude(num), !positive, bytes + first_mantissa_byte, packed))) {
+        return false;
+    }
+    bytes[0] = static_cast<ub1>(packed.length + 1);
+    bytes[1] = static_cast<ub1>(exponent_byte(positive, leading_pair - packed.leading_zeros));
+    return true;
+}
+
 /* Adds one to limb 23 and carries upward: each limb that reaches 10^8 becomes 0. True: a carry left limb 0.
  */
 bool carry_into_limb_23(QZCICalcNumber& num) {
@@ -325,6 +361,20 @@ sword limbs_to_str(const QZCICalcNumber& num, char* buf, size_t buf_len, int len
 
 } // namespace
 
+bool try_truncated(Trace t, const QZCICalcNumber& num, bool add_unit, QZCICalcNumber& result) {
+    if (num.num_infinity != 0) {
+        return false;
+    }
+    const sb1 sign = num.num_signed;
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::truncation,
+                   limbs::kernels().truncate(num.data_part, add_unit, result.data_part, extent))) {
+        return false;
+    }
+    set_fields(result, extent, sign);
+    return true;
+}
+
 sword assign(Trace t, const QZCICalcNumber* num, QZCICalcNumber* opt) {
     QZOCI_DEBUG(t, "call function QZCICalcNumAssign with num:%p, opt:%p", ptr(num), ptr(opt));
     if (num == nullptr || opt == nullptr) {
@@ -387,6 +437,9 @@ sword from_number(Trace t, QZCICalcNumber* num, const OCINumber* number) {
         to_zero(t, num);
         QZOCI_LEAVE(t, name, OCI_SUCCESS);
     }
+    if (t.fast && try_unpack(t, bytes, length, *num)) {
+        return OCI_SUCCESS;
+    }
     QZCICalcNumber unpacked = canonical_zero();
     if (exponent > zero_exponent_byte) {
         unpack_positive(bytes, length, unpacked);
@@ -399,6 +452,9 @@ sword from_number(Trace t, QZCICalcNumber* num, const OCINumber* number) {
 
 sword to_number(Trace t, const QZCICalcNumber* nump, OCINumber* number) {
     constexpr const char* name = "QZCICalcNumToNumber";
+    if (t.fast && nump != nullptr && number != nullptr && try_pack(t, *nump, *number)) {
+        return OCI_SUCCESS;
+    }
     QZCICalcNumber cnum = canonical_zero();
     QZOCI_DEBUG(t, "call function QZCICalcNumToNumber with num:%p, number:%p", ptr(&cnum), ptr(number));
     if (number == nullptr) {
@@ -424,6 +480,9 @@ sword to_round(Trace t, QZCICalcNumber* num) {
     QZOCI_DEBUG(t, "call function QZCICalcNumToRound with num:%p", ptr(num));
     if (num == nullptr) {
         return OCI_INVALID_HANDLE;
+    }
+    if (t.fast && try_truncated(t, *num, false, *num)) {
+        return OCI_SUCCESS;
     }
     std::fill(num->data_part + first_fraction_limb, num->data_part + limb_count, 0U);
     QZCICalcNumInit(num);
@@ -529,26 +588,13 @@ void QZCICalcNumInit(QZCICalcNumber* num) {
     if (num->num_infinity != 0) {
         std::fill(num->data_part, num->data_part + limb_count, 0U);
     }
-    num->start_pos = -1;
-    num->end_pos = -1;
     if (num->num_signed != -1) {
         num->num_signed = 1;
     }
-    int first = 0;
-    while (first < limb_count && num->data_part[first] == 0) {
-        ++first;
-    }
-    if (first == limb_count) {
-        num->is_zero = num->num_infinity != 0 ? 0 : 1;
-        return;
-    }
-    int last = limb_count - 1;
-    while (num->data_part[last] == 0) {
-        --last;
-    }
-    num->start_pos = static_cast<sb1>(first);
-    num->end_pos = static_cast<sb1>(last);
-    num->is_zero = 0;
+    const qzoci::limbs::Extent extent = qzoci::limbs::kernels().extent(num->data_part);
+    num->start_pos = static_cast<sb1>(extent.first);
+    num->end_pos = static_cast<sb1>(extent.last);
+    num->is_zero = extent.first < 0 && num->num_infinity == 0 ? sb1{1} : sb1{0};
 }
 
 sword QZCICalcNumAssign(const QZCICalcNumber* num, QZCICalcNumber* opt) {

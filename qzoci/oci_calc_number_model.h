@@ -4,6 +4,7 @@
 #ifndef QZOCI_OCI_CALC_NUMBER_MODEL_H
 #define QZOCI_OCI_CALC_NUMBER_MODEL_H
 
+#include "qzoci/limbs/limbs.h"
 #include "qzoci/oci_calc_number_internal.h"
 #include "qzoci/oci_calc_number_trace.h"
 
@@ -38,6 +39,30 @@ constexpr QZCICalcNumber infinity_of_sign(sb1 sign) {
 constexpr sb1 sign_product(const QZCICalcNumber& a, const QZCICalcNumber& b) {
     return static_cast<sb1>(a.num_signed * b.num_signed);
 }
+
+/* True for a finite, non-zero record whose positions a kernel may read between; the kernel itself tests the
+ * limbs. */
+inline bool is_ordinary(const QZCICalcNumber& num) {
+    return num.is_zero == 0 && num.num_infinity == 0 && num.start_pos >= 0 && num.start_pos <= num.end_pos &&
+           num.end_pos < limb_count;
+}
+
+inline limbs::Magnitude magnitude(const QZCICalcNumber& num) {
+    return {num.data_part, num.start_pos, num.end_pos};
+}
+
+/* Sets the fields as the normaliser does for limbs of this extent in a finite record. */
+inline void set_fields(QZCICalcNumber& num, limbs::Extent extent, sb1 sign) {
+    num.num_signed = sign == -1 ? sb1{-1} : sb1{1};
+    num.num_infinity = 0;
+    num.start_pos = static_cast<sb1>(extent.first);
+    num.end_pos = static_cast<sb1>(extent.last);
+    num.is_zero = extent.first < 0 ? sb1{1} : sb1{0};
+}
+
+/* result = num truncated toward zero, its magnitude greater by one where add_unit is set, or false with
+ * nothing written: for an infinity or where the kernel declines. */
+bool try_truncated(Trace t, const QZCICalcNumber& num, bool add_unit, QZCICalcNumber& result);
 
 sword assign(Trace t, const QZCICalcNumber* num, QZCICalcNumber* opt);
 sword neg(Trace t, QZCICalcNumber* num);

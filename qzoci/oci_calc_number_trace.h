@@ -10,8 +10,20 @@
 namespace qzoci::engine {
 
 /* The stretches of laid-down steps that a fast kernel may finish. */
-enum class Stretch { sum, difference, product, half, quotient_by_limb, quotient, remainder, root };
-inline constexpr int stretch_count = 8;
+enum class Stretch {
+    sum,
+    difference,
+    product,
+    half,
+    quotient_by_limb,
+    quotient,
+    remainder,
+    root,
+    truncation,
+    unpacking,
+    packing
+};
+inline constexpr int stretch_count = 11;
 
 /* Counts how often fast kernels were tried and declined. The engine only adds to it; a test hands it in. */
 struct Tally {

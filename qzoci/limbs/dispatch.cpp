@@ -1,6 +1,7 @@
 /* The one file that knows the CPU. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/portable.h"
+#include "qzoci/limbs/stored_form.h"
 #include "qzoci/limbs/x86.h"
 
 #if QZOCI_HAS_X86_KERNELS
@@ -14,17 +15,20 @@
 namespace qzoci::limbs {
 namespace {
 
-constexpr Kernels portable_kernels = {sum_portable,      difference_portable,       product_portable,
-                                      half_portable,     quotient_by_limb_portable, quotient_portable,
-                                      remainder_portable};
+constexpr Kernels portable_kernels = {sum_portable,       difference_portable,       product_portable,
+                                      half_portable,      quotient_by_limb_portable, quotient_portable,
+                                      remainder_portable, truncate_portable,         extent_portable,
+                                      compare_portable,   unpack_portable,           pack_portable};
 
 #if QZOCI_HAS_X86_KERNELS
-constexpr Kernels avx2_kernels = {sum_avx2,          difference_avx2,           product_avx2,
-                                  half_avx2,         quotient_by_limb_portable, quotient_portable,
-                                  remainder_portable};
-constexpr Kernels avx512_kernels = {sum_avx512,        difference_avx512,         product_avx512,
-                                    half_avx512,       quotient_by_limb_portable, quotient_portable,
-                                    remainder_portable};
+constexpr Kernels avx2_kernels = {sum_avx2,           difference_avx2,           product_avx2,
+                                  half_avx2,          quotient_by_limb_portable, quotient_portable,
+                                  remainder_portable, truncate_portable,         extent_portable,
+                                  compare_portable,   unpack_portable,           pack_portable};
+constexpr Kernels avx512_kernels = {
+    sum_avx512,        difference_avx512,  product_avx512,  half_avx512,   quotient_by_limb_portable,
+    quotient_portable, remainder_portable, truncate_avx512, extent_avx512, compare_avx512,
+    unpack_avx512,     pack_avx512};
 
 bool has_avx2() {
     __builtin_cpu_init();

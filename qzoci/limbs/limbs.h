@@ -1,4 +1,5 @@
-/* Fast kernels on limb arrays. They know limbs only: no record, no sign, no log.
+/* Fast kernels on limb arrays. They know limbs, and the bytes of stored digits, only: no record, no sign, no
+ * log.
  *
  * A fixed-point magnitude is 40 limbs, base 10^8, most significant first, with the point between limb 19 and
  * limb 20, as in a working record. Each kernel finishes one named stretch of the laid-down steps with the
@@ -41,6 +42,20 @@ struct Aligned {
     int last;
 };
 
+/* Digit pairs of a stored number, most significant first: count of them, 0..20. A byte is pair + 1, or 101 -
+ * pair where the pairs are complemented. */
+struct StoredPairs {
+    const std::uint8_t* bytes;
+    int count;
+    bool complemented;
+};
+
+/* What packing has found and written. */
+struct PackedPairs {
+    int leading_zeros; /* pairs of the first limb before its first non-zero one, 0..3 */
+    int length;        /* bytes written, the terminator among them */
+};
+
 /* Kernels of one instruction set. A result array has room for 40 limbs, all of which are written, and may be
  * an operand's. */
 struct Kernels {
@@ -71,6 +86,25 @@ struct Kernels {
      * Precondition: dividend.first <= divisor.first, dividend.last >= divisor.last, both leading limbs
      * non-zero. */
     bool (*remainder)(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
+
+    /* Limbs 0..19 of all 40, one added to limb 19 where add_unit is set. False also where that would carry. */
+    bool (*truncate)(const Limb* limbs, bool add_unit, Limb* result, Extent& extent);
+
+    /* The extent of any 40 limbs. Never declines. */
+    Extent (*extent)(const Limb* limbs);
+
+    /* 1, -1 or 0 as a is above, below or equal to b, any limbs. Never declines. */
+    int (*compare)(const Aligned& operands);
+
+    /* The limbs of stored pairs, the first of which has the base-100 exponent given, -80..79; pairs below limb
+     * 39 are dropped. False where a byte is no pair's. */
+    bool (*unpack)(const StoredPairs& stored, int exponent, Limb* result, Extent& extent);
+
+    /* The significant pairs, rounded half-up to twenty and without 00 pairs at the end, as the bytes of a
+     * stored number; the terminator 102 follows fewer than twenty complemented ones. Complemented pairs of
+     * which more than twenty are not rounded up stay twenty. False also where twenty pairs of 99 round up, or
+     * the first or last limb is zero. Writes the bytes of packed.length alone. */
+    bool (*pack)(const Magnitude& a, bool complemented, std::uint8_t* bytes, PackedPairs& packed);
 };
 
 /* Which instruction set the kernels use; each includes those before it. */

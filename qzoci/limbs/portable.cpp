@@ -239,4 +239,29 @@ bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shif
     return true;
 }
 
+bool truncate_portable(const Limb* limbs, bool add_unit, Limb* result, Extent& extent) {
+    const Limb unit = add_unit ? 1 : 0;
+    if (!is_canonical({limbs, 0, units_limb}) || limbs[units_limb] + unit == base) {
+        return false;
+    }
+    std::copy(limbs, limbs + units_limb + 1, result);
+    result[units_limb] += unit;
+    std::fill(result + units_limb + 1, result + limb_count, Limb{0});
+    extent = extent_within(result, 0, units_limb);
+    return true;
+}
+
+Extent extent_portable(const Limb* limbs) {
+    return extent_within(limbs, 0, limb_count - 1);
+}
+
+int compare_portable(const Aligned& operands) {
+    for (int i = operands.first; i <= operands.last; ++i) {
+        if (operands.a[i] != operands.b[i]) {
+            return operands.a[i] > operands.b[i] ? 1 : -1;
+        }
+    }
+    return 0;
+}
+
 } // namespace qzoci::limbs

@@ -19,6 +19,9 @@ bool product_portable(const Magnitude& a, const Magnitude& b, Limb* result, Exte
 bool half_portable(const Magnitude& a, Limb* result, Extent& extent);
 bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shift, Limb* result,
                                Extent& extent);
+bool truncate_portable(const Limb* limbs, bool add_unit, Limb* result, Extent& extent);
+Extent extent_portable(const Limb* limbs);
+int compare_portable(const Aligned& operands);
 bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
 bool remainder_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
 

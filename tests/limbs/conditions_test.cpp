@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace qzoci::test {
 namespace {
@@ -25,8 +26,18 @@ using FastQuotientByLimb = Levels;
 using FastQuotient = Levels;
 using FastRemainder = Levels;
 using FastRoot = Levels;
+using FastTruncation = Levels;
+using FastUnpacking = Levels;
+using FastPacking = Levels;
 
 enum class Taken { not_tried, finished, declined };
+
+Taken taken_of(const Tally& tally, Stretch stretch) {
+    const auto i = static_cast<int>(stretch);
+    return tally.tried[i] == 0      ? Taken::not_tried
+           : tally.declined[i] == 0 ? Taken::finished
+                                    : Taken::declined;
+}
 
 /* Runs the operation on the plain and the fast side, expects one result, and tells what the kernel of the
  * stretch did. */
@@ -37,10 +48,40 @@ Taken taken(Binary operation, Stretch stretch, const QZCICalcNumber& a, const QZ
     const sword status = operation({false, false}, &a, &b, &plain);
     EXPECT_EQ(operation({false, true, &tally}, &a, &b, &fast), status);
     EXPECT_EQ(fast, plain);
-    const auto i = static_cast<int>(stretch);
-    return tally.tried[i] == 0      ? Taken::not_tried
-           : tally.declined[i] == 0 ? Taken::finished
-                                    : Taken::declined;
+    return taken_of(tally, stretch);
+}
+
+/* The same for the truncation inside ceiling and floor. */
+Taken taken_for(sword (*rounding)(Trace, const QZCICalcNumber*, QZCICalcNumber*),
+                const QZCICalcNumber& number) {
+    QZCICalcNumber plain = poison_record();
+    QZCICalcNumber fast = poison_record();
+    Tally tally = {};
+    const sword status = rounding({false, false}, &number, &plain);
+    EXPECT_EQ(rounding({false, true, &tally}, &number, &fast), status);
+    EXPECT_EQ(fast, plain);
+    return taken_of(tally, Stretch::truncation);
+}
+
+Taken taken_for_unpacking(std::string_view hex) {
+    const OCINumber number = stored_from_hex(hex);
+    QZCICalcNumber plain = poison_record();
+    QZCICalcNumber fast = poison_record();
+    Tally tally = {};
+    const sword status = engine::from_number({false, false}, &plain, &number);
+    EXPECT_EQ(engine::from_number({false, true, &tally}, &fast, &number), status);
+    EXPECT_EQ(fast, plain);
+    return taken_of(tally, Stretch::unpacking);
+}
+
+Taken taken_for_packing(const QZCICalcNumber& number) {
+    OCINumber plain = stored_from_hex("a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5a5");
+    OCINumber fast = plain;
+    Tally tally = {};
+    const sword status = engine::to_number({false, false}, &number, &plain);
+    EXPECT_EQ(engine::to_number({false, true, &tally}, &number, &fast), status);
+    EXPECT_EQ(fast, plain);
+    return taken_of(tally, Stretch::packing);
 }
 
 Taken taken_for_root(const QZCICalcNumber& number) {
@@ -307,6 +348,99 @@ TEST_P(FastRemainder, OfAMultipleIsZeroOrTheDivisorLessOne) {
     }
 }
 
+TEST_P(FastTruncation, LeavesInfinitiesToThePlainSteps) {
+    EXPECT_EQ(taken_for(engine::ceil, decimal("inf")), Taken::not_tried);
+    EXPECT_EQ(taken_for(engine::floor, decimal("-inf")), Taken::not_tried);
+    EXPECT_EQ(taken_for(engine::ceil, decimal("-0")), Taken::finished);
+}
+
+TEST_P(FastTruncation, DeclinesACarryOutOfLimb19) {
+    EXPECT_EQ(taken_for(engine::ceil, decimal("99999999.5")), Taken::declined);
+    EXPECT_EQ(taken_for(engine::ceil, decimal("99999998.5")), Taken::finished);
+    EXPECT_EQ(taken_for(engine::ceil, decimal("99999999")), Taken::finished);
+    EXPECT_EQ(taken_for(engine::ceil, decimal("-99999999.5")), Taken::finished);
+    EXPECT_EQ(taken_for(engine::floor, decimal("-99999999.5")), Taken::declined);
+    EXPECT_EQ(taken_for(engine::floor, decimal("-0.5")), Taken::finished);
+}
+
+TEST_P(FastTruncation, DeclinesLimbsAbove99999999BeforeThePointAlone) {
+    EXPECT_EQ(taken_for(engine::ceil, record_from_limbs({{18, 100000000}, {20, 1}})), Taken::declined);
+    EXPECT_EQ(taken_for(engine::ceil, record_from_limbs({{18, 99999999}, {20, 100000000}})), Taken::finished);
+}
+
+TEST_P(FastUnpacking, IsNotTriedForSpecialValuesAndLengths) {
+    EXPECT_EQ(taken_for_unpacking("0180"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("158001"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("02ff65"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("0100"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("00c102"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("16c102"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("02ff64"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("0105"), Taken::finished);
+}
+
+TEST_P(FastUnpacking, DeclinesBytesThatAreNoPairs) {
+    EXPECT_EQ(taken_for_unpacking("02c101"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("02c164"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("02c100"), Taken::declined);
+    EXPECT_EQ(taken_for_unpacking("02c165"), Taken::declined);
+    EXPECT_EQ(taken_for_unpacking("02c1ff"), Taken::declined);
+    EXPECT_EQ(taken_for_unpacking("033e0266"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("033e6566"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("033e0166"), Taken::declined);
+    EXPECT_EQ(taken_for_unpacking("033e6666"), Taken::declined);
+    EXPECT_EQ(taken_for_unpacking("033e8266"), Taken::declined);
+    /* The last byte of a short negative number is a terminator, unseen; bytes after the length do not count. */
+    EXPECT_EQ(taken_for_unpacking("033e6500"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("02c10200ff"), Taken::finished);
+}
+
+TEST_P(FastPacking, IsNotTriedNearTheEndsOfTheExponents) {
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{4, 1}})), Taken::not_tried);
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{5, 99999999}})), Taken::finished);
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{35, 1}})), Taken::finished);
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{36, 99999999}}, -1)), Taken::not_tried);
+    EXPECT_EQ(taken_for_packing(decimal("0")), Taken::not_tried);
+    EXPECT_EQ(taken_for_packing(decimal("-inf")), Taken::not_tried);
+}
+
+TEST_P(FastPacking, DeclinesTwentyPairsOf99ThatRoundUp) {
+    const std::string nines = "0." + std::string(40, '9');
+    EXPECT_EQ(taken_for_packing(decimal((nines + "50").c_str())), Taken::declined);
+    EXPECT_EQ(taken_for_packing(decimal((nines + "49").c_str())), Taken::finished);
+    EXPECT_EQ(taken_for_packing(decimal(nines.c_str())), Taken::finished);
+    EXPECT_EQ(taken_for_packing(decimal(("-0.98" + std::string(38, '9') + "50").c_str())), Taken::finished);
+}
+
+TEST_P(FastPacking, DeclinesLimbsItWouldSplitAbove99999999) {
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{19, 100000000}})), Taken::declined);
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{19, 1}, {24, 100000000}, {25, 1}})), Taken::declined);
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{19, 1}, {30, 100000000}})), Taken::declined);
+    /* A seventh limb tells only that there is one. */
+    EXPECT_EQ(taken_for_packing(record_from_limbs({{19, 1}, {25, 100000000}, {30, 1}})), Taken::finished);
+}
+
+TEST_P(FastPacking, DeclinesPositionsAtZeroLimbs) {
+    EXPECT_EQ(taken_for_packing(record_from_fields("1,0,18,20,0,z19.1.2.z19")), Taken::declined);
+    EXPECT_EQ(taken_for_packing(record_from_fields("1,0,19,30,0,z19.1.2.z19")), Taken::declined);
+    EXPECT_EQ(taken_for_packing(record_from_fields("1,0,19,20,0,z19.1.2.z19")), Taken::finished);
+}
+
+/* Twenty pairs and more than twenty, at each place of the first limb, round up and down. */
+TEST_P(FastPacking, RoundsByThePairAfterTheTwentieth) {
+    for (const char* leading : {"1", "12", "123", "1234", "12345", "1234567", "12345678"}) {
+        for (const char* sign : {"", "-"}) {
+            for (const char* after : {"", "49", "50", "4999", "0000000000000001", "99"}) {
+                for (const char* last : {"00", "99", "37"}) {
+                    const std::string zeros(36, '0');
+                    const std::string number = std::string(sign) + leading + '.' + zeros + last + after;
+                    EXPECT_EQ(taken_for_packing(decimal(number.c_str())), Taken::finished) << number;
+                }
+            }
+        }
+    }
+}
+
 TEST_P(FastRoot, JumpsToAnIsolatedRoot) {
     EXPECT_EQ(taken_for_root(decimal("3")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("7.00000000000000000000000001")), Taken::finished);
@@ -352,6 +486,9 @@ INSTANTIATE_TEST_SUITE_P(Kernels, FastProduct, testing::ValuesIn(all_levels), le
 INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotientByLimb, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastQuotient, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastRemainder, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastTruncation, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastUnpacking, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastPacking, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastRoot, testing::ValuesIn(all_levels), level_name);
 
 } // namespace

@@ -20,11 +20,21 @@ public:
      */
     QZCICalcNumber radicand();
 
+    /* As any, but of digit pairs that roundings and carries turn at. */
+    QZCICalcNumber of_turning_pairs();
+
+    /* As either, with one to three fields or limbs that no operation would leave so. */
+    QZCICalcNumber malformed();
+
+    /* Twenty-two bytes: a number of any length and exponent, one time in four with bytes outside the format. */
+    OCINumber stored();
+
     /* 0 .. count-1. */
     ub8 below(ub8 count) { return engine_() % count; }
 
 private:
     ub4 limb(ub8 style);
+    ub1 turning_pair();
 
     std::mt19937_64 engine_;
 };

@@ -24,33 +24,47 @@ constexpr engine::Trace plain = {false, false};
 struct Effect {
     sb8 status;
     QZCICalcNumber result;
+    OCINumber stored; /* the packed number, all of whose 22 bytes are compared */
     std::vector<std::string> lines;
 };
 
-Effect effect_of(const Operation& operation, Side side, const QZCICalcNumber& a, const QZCICalcNumber& b) {
-    Effect effect = {0, poison_record(), {}};
+OCINumber poison_stored() {
+    OCINumber stored;
+    std::fill(std::begin(stored.OCINumberPart), std::end(stored.OCINumberPart), ub1{0xA5});
+    return stored;
+}
+
+/* Operands that the operation's form does not name are not looked at; in place, a is the operand. */
+Effect effect_of(const Operation& operation, Side side, const QZCICalcNumber& a, const QZCICalcNumber& b,
+                 const OCINumber& stored) {
+    Effect effect = {0, operation.form == Form::in_place ? a : poison_record(), poison_stored(), {}};
     Arguments arguments;
     arguments.first = &a;
     arguments.second = &b;
+    arguments.stored_operand = &stored;
     arguments.result = &effect.result;
+    arguments.stored_result = &effect.stored;
     LogCapture capture(PointerNames({{&a, 'A'}, {&b, 'B'}, {&effect.result, 'R'}}));
     effect.status = operation.call(side, arguments);
     effect.lines = rendered(without_debug(capture.lines()));
     return effect;
 }
 
-testing::AssertionResult agrees(const Operation& operation, const QZCICalcNumber& a,
-                                const QZCICalcNumber& b) {
-    const Effect expected = effect_of(operation, Side::plain, a, b);
-    const Effect actual = effect_of(operation, Side::fast, a, b);
+testing::AssertionResult agrees(const Operation& operation, const QZCICalcNumber& a, const QZCICalcNumber& b,
+                                const OCINumber& stored = poison_stored()) {
+    const Effect expected = effect_of(operation, Side::plain, a, b, stored);
+    const Effect actual = effect_of(operation, Side::fast, a, b, stored);
     if (expected.status == actual.status && expected.result == actual.result &&
-        expected.lines == actual.lines) {
+        expected.stored == actual.stored && expected.lines == actual.lines) {
         return testing::AssertionSuccess();
     }
+    const auto text = [](const Effect& effect) {
+        return std::to_string(effect.status) + ' ' + fields_text(effect.result) + ' ' +
+               hex_text(effect.stored);
+    };
     return testing::AssertionFailure()
-           << operation.name << "\n a " << fields_text(a) << "\n b " << fields_text(b) << "\n plain "
-           << expected.status << ' ' << fields_text(expected.result) << "\n fast  " << actual.status << ' '
-           << fields_text(actual.result);
+           << operation.name << "\n a " << fields_text(a) << "\n b " << fields_text(b) << "\n stored "
+           << hex_text(stored) << "\n plain " << text(expected) << "\n fast  " << text(actual);
 }
 
 const Operation& operation(std::string_view name) {
@@ -109,6 +123,98 @@ TEST_P(Levels, GiveThePlainElementaryFunctions) {
         }
         ASSERT_TRUE(agrees(operation("QZCICalcNumAtan2"), a, b)) << "number " << i;
         ASSERT_TRUE(agrees(operation("QZCICalcNumPower"), a, b)) << "number " << i;
+    }
+}
+
+TEST_P(Levels, UnpackAsThePlainSteps) {
+    RandomRecords records(400 + static_cast<ub8>(GetParam()));
+    const QZCICalcNumber none = poison_record();
+    for (int i = 0; i < 200000; ++i) {
+        ASSERT_TRUE(agrees(operation("QZCICalcNumFromNumber"), none, none, records.stored()))
+            << "number " << i;
+    }
+}
+
+TEST_P(Levels, PackAndTruncateAsThePlainSteps) {
+    RandomRecords records(500 + static_cast<ub8>(GetParam()));
+    const std::array operations = {&operation("QZCICalcNumToNumber"), &operation("QZCICalcNumToRound"),
+                                   &operation("QZCICalcNumCeil"), &operation("QZCICalcNumFloor")};
+    for (int i = 0; i < 60000; ++i) {
+        const QZCICalcNumber record = i % 3 == 0   ? records.any()
+                                      : i % 3 == 1 ? records.of_turning_pairs()
+                                                   : records.malformed();
+        for (const Operation* o : operations) {
+            ASSERT_TRUE(agrees(*o, record, record)) << "number " << i;
+        }
+    }
+}
+
+/* Every length at every exponent, so that the pairs begin and end at every place of every limb. */
+TEST_P(Levels, UnpackEveryLengthAtEveryExponent) {
+    RandomRecords records(600 + static_cast<ub8>(GetParam()));
+    const QZCICalcNumber none = poison_record();
+    for (int exponent = 0; exponent < 256; ++exponent) {
+        for (int length = 1; length <= 21; ++length) {
+            OCINumber number = poison_stored();
+            number.OCINumberPart[0] = static_cast<ub1>(length);
+            number.OCINumberPart[1] = static_cast<ub1>(exponent);
+            for (int i = 2; i <= length; ++i) {
+                number.OCINumberPart[i] = static_cast<ub1>(2 + records.below(99));
+            }
+            ASSERT_TRUE(agrees(operation("QZCICalcNumFromNumber"), none, none, number));
+        }
+    }
+}
+
+/* The comparisons and the normal form write no lines and are one function on every side. */
+TEST_P(Levels, CompareLimbByLimb) {
+    RandomRecords records(700 + static_cast<ub8>(GetParam()));
+    for (int i = 0; i < 60000; ++i) {
+        QZCICalcNumber a = records.below(3) == 0 ? records.malformed() : records.any();
+        QZCICalcNumber b = records.below(2) == 0 ? a : records.any();
+        if (records.below(2) == 0) {
+            b.data_part[records.below(QZCI_CALC_LIMBS)] += 1;
+        }
+        a.num_signed = b.num_signed = 1;
+        a.num_infinity = b.num_infinity = a.is_zero = b.is_zero = 0;
+        int expected = 0;
+        for (int k = std::min(a.start_pos, b.start_pos); k <= std::max(a.end_pos, b.end_pos); ++k) {
+            if (k < 0 || k >= QZCI_CALC_LIMBS) {
+                break;
+            }
+            if (a.data_part[k] != b.data_part[k]) {
+                expected = a.data_part[k] > b.data_part[k] ? 1 : -1;
+                break;
+            }
+        }
+        ASSERT_EQ(QZCICalcNumCompare(&a, &b), expected) << fields_text(a) << '\n' << fields_text(b);
+        ASSERT_EQ(QZCICalcNumAbsCompare(&b, &a), -expected) << fields_text(a) << '\n' << fields_text(b);
+        ASSERT_EQ(QZCICalcNumCompareAbs(&a, &b), expected) << fields_text(a) << '\n' << fields_text(b);
+    }
+}
+
+TEST_P(Levels, NormaliseByTheOutermostLimbs) {
+    for (int first = 0; first < QZCI_CALC_LIMBS; ++first) {
+        for (int last = first; last < QZCI_CALC_LIMBS; ++last) {
+            QZCICalcNumber record = poison_record();
+            std::fill(std::begin(record.data_part), std::end(record.data_part), 0U);
+            record.data_part[first] = 0x80000000;
+            record.data_part[last] = 1;
+            record.num_infinity = 0;
+            QZCICalcNumInit(&record);
+            ASSERT_EQ(record.start_pos, first);
+            ASSERT_EQ(record.end_pos, last);
+            ASSERT_EQ(record.is_zero, 0);
+            ASSERT_EQ(record.num_signed, 1);
+        }
+    }
+    for (const sb1 infinity : {sb1{0}, sb1{1}}) {
+        QZCICalcNumber record = poison_record();
+        std::fill(std::begin(record.data_part), std::end(record.data_part), infinity == 1 ? 5U : 0U);
+        record.num_infinity = infinity;
+        record.num_signed = -1;
+        QZCICalcNumInit(&record);
+        EXPECT_EQ(record, record_from_fields(infinity == 1 ? "-1,1,-1,-1,0,z40" : "-1,0,-1,-1,1,z40"));
     }
 }
 

@@ -1,0 +1,116 @@
+#include "qzoci/limbs/avx512.h"
+#include "qzoci/limbs/x86.h"
+
+#if QZOCI_HAS_X86_KERNELS
+
+#include "qzoci/limbs/avx512_vectors.h"
+#include "qzoci/limbs/stored_form.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+
+namespace qzoci::limbs {
+namespace {
+
+using std::uint32_t;
+using std::uint8_t;
+
+/* 24 digit pairs and eight zeros, one bit a pair. */
+using Pairs = __m256i;
+using PairMask = uint32_t;
+
+QZOCI_AVX512 inline Pairs every(int byte) {
+    return _mm256_set1_epi8(static_cast<char>(byte));
+}
+
+constexpr PairMask first_pairs(int count) {
+    return (PairMask{1} << count) - 1;
+}
+
+/* x + offset, or sum - x = ~x + (sum + 1) where complemented: from a pair to its byte or back. Signs come in no
+ * order, so that a branch on them would be mispredicted half the time. */
+QZOCI_AVX512 inline Pairs recoded(Pairs x, bool complemented, int sum, int offset) {
+    const int flag = static_cast<int>(complemented);
+    return _mm256_add_epi8(_mm256_xor_si256(x, every(-flag)), every(offset + flag * (sum + 1 - offset)));
+}
+
+/* The pairs of eight limbs of at most 99999999, the most significant one first. With q = limb / 10^4 the two
+ * halves are q + 2^16 (limb - 10^4 q) = 2^16 limb - (10^4 * 2^16 - 1) q, and likewise with 100 and bytes; for
+ * the quotients see split_limb, and 3518437209 * 10^4 exceeds 2^45 by 1168, 1168 * 10^8 < 2^45. */
+QZOCI_AVX512 inline Pairs split(__m256i limbs) {
+    const __m256i reciprocal = _mm256_set1_epi64x(3518437209);
+    const __m256i even = _mm256_srli_epi64(_mm256_mul_epu32(limbs, reciprocal), 45);
+    const __m256i odd = _mm256_mul_epu32(_mm256_srli_epi64(limbs, 32), reciprocal);
+    const __m256i upper = _mm256_mask_blend_epi32(0xAA, even, _mm256_srli_epi64(odd, 13));
+    const __m256i fours = _mm256_sub_epi32(_mm256_slli_epi32(limbs, 16),
+                                           _mm256_mullo_epi32(upper, _mm256_set1_epi32(655359999)));
+    const __m256i hundreds = _mm256_srli_epi16(_mm256_mulhi_epu16(fours, _mm256_set1_epi16(5243)), 3);
+    return _mm256_sub_epi16(_mm256_slli_epi16(fours, 8),
+                            _mm256_mullo_epi16(hundreds, _mm256_set1_epi16(25599)));
+}
+
+/* The address of the byte that many places before; masked-off bytes there are neither read nor written. */
+inline void* places_before(const void* bytes, int places) {
+    return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(bytes) - static_cast<unsigned>(places));
+}
+
+} // namespace
+
+/* See the portable kernel. Reading from some bytes before puts the pairs at their places in limbs. */
+QZOCI_AVX512 bool unpack_avx512(const StoredPairs& stored, int exponent, Limb* result, Extent& extent) {
+    const int place = place_in_limb(exponent);
+    const PairMask inside = first_pairs(stored.count) << place;
+    const Pairs bytes = _mm256_maskz_loadu_epi8(inside, places_before(stored.bytes, place));
+    const Pairs above = _mm256_sub_epi8(bytes, every(1 + static_cast<int>(stored.complemented)));
+    if (_mm256_mask_cmpgt_epu8_mask(inside, above, every(99)) != 0) {
+        return false;
+    }
+    const Pairs pairs = _mm256_maskz_mov_epi8(inside, recoded(above, stored.complemented, 99, 0));
+    const __m256i fours = _mm256_maddubs_epi16(pairs, _mm256_set1_epi16(1 << 8 | 100));
+    const __m256i limbs = _mm256_madd_epi16(fours, _mm256_set1_epi32(1 << 16 | 10000));
+    const int first = limb_of_exponent(exponent);
+    const Vector packed[] = {_mm512_zextsi256_si512(limbs)};
+    store(at_column(packed, first), result);
+    const LimbMask non_zero =
+        (LimbMask{_mm256_test_epi32_mask(limbs, limbs)} << first) & bits(0, limb_count - 1);
+    extent = extent_of(non_zero);
+    return true;
+}
+
+/* See the portable kernel. Here the zero pairs before the first significant one stay where they are, and the
+ * bytes are written from that many places before. */
+QZOCI_AVX512 bool pack_avx512(const Magnitude& a, bool complemented, uint8_t* bytes, PackedPairs& packed) {
+    const int count = a.last - a.first + 1;
+    const auto limb_mask = static_cast<__mmask8>(first_pairs(std::min(count, stored_limbs)));
+    const __m256i limbs = _mm256_maskz_loadu_epi32(limb_mask, a.limbs + a.first);
+    const __mmask8 large = _mm256_cmpge_epu32_mask(limbs, _mm256_set1_epi32(base));
+    if (!has_packable_ends(a) || large != 0) {
+        return false;
+    }
+    Pairs pairs = split(limbs);
+    const PairMask significant = _mm256_test_epi8_mask(pairs, pairs);
+    const int leading_zeros = std::countr_zero(significant);
+    const int deciding = leading_zeros + stored_pairs;
+    const PairMask kept = first_pairs(stored_pairs) << leading_zeros;
+    const PairMask rounds_up = _mm256_cmpge_epu8_mask(pairs, every(50)) >> deciding & 1;
+    const bool is_cut = count > stored_limbs || significant >> deciding != 0;
+    const PairMask last_ones = rounds_up != 0           ? ~_mm256_cmpeq_epi8_mask(pairs, every(99))
+                               : is_cut && complemented ? kept
+                                                        : significant;
+    if ((last_ones & kept) == 0) {
+        return false;
+    }
+    const int end = 32 - std::countl_zero(last_ones & kept);
+    pairs = _mm256_mask_add_epi8(pairs, rounds_up << (end - 1), pairs, every(1));
+    const PairMask terminator = complemented && end < deciding ? PairMask{1} << end : 0;
+    pairs = _mm256_mask_mov_epi8(recoded(pairs, complemented, 101, 1), terminator, every(terminator_byte));
+    const PairMask written = (first_pairs(end) & ~first_pairs(leading_zeros)) | terminator;
+    _mm256_mask_storeu_epi8(places_before(bytes, leading_zeros), written, pairs);
+    packed = {leading_zeros, end - leading_zeros + (terminator != 0 ? 1 : 0)};
+    return true;
+}
+
+} // namespace qzoci::limbs
+
+#endif /* QZOCI_HAS_X86_KERNELS */
