@@ -11,7 +11,7 @@
 #include <cstdint>
 
 /* Each function carries the instruction set itself, so that no other file's code is compiled for it. */
-#define QZOCI_AVX2 __attribute__((target("avx2,bmi,bmi2,lzcnt")))
+#define QZOCI_AVX2 __attribute__((target("avx2,bmi,bmi2")))
 
 namespace qzoci::limbs {
 namespace {
@@ -59,15 +59,23 @@ QZOCI_AVX2 inline Vector lanes_from(int first, int start) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(step_lanes.data() + steps + start - first));
 }
 
-/* The limbs first..last, zeros elsewhere. */
-QZOCI_AVX2 inline Loaded load(const Magnitude& a) {
-    Loaded loaded;
+/* Set in the lanes of the limbs first..last. */
+QZOCI_AVX2 inline Loaded lanes_inside(int first, int last) {
+    Loaded lanes;
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const int start = part * vector_limbs;
-        const Vector up_to_last =
-            _mm256_andnot_si256(lanes_from(a.last + 1, start), load_vector(a.limbs + start));
-        loaded.part[part] = _mm256_and_si256(up_to_last, lanes_from(a.first, start));
+        lanes.part[part] = _mm256_andnot_si256(lanes_from(last + 1, start), lanes_from(first, start));
+    }
+    return lanes;
+}
+
+/* The limbs first..last, zeros elsewhere. */
+QZOCI_AVX2 inline Loaded load(const Magnitude& a) {
+    Loaded loaded = lanes_inside(a.first, a.last);
+    QZOCI_UNROLLED
+    for (int part = 0; part < parts; ++part) {
+        loaded.part[part] = _mm256_and_si256(loaded.part[part], load_vector(a.limbs + part * vector_limbs));
     }
     return loaded;
 }
@@ -144,11 +152,32 @@ QZOCI_AVX2 inline Extent extent_of(const Loaded& a) {
 
 /* ---- Sum and difference ---- */
 
-/* The limbs that a carry or borrow enters, from those that make one and those that pass one on (limbs of
- * 99999999 in a sum, equal limbs in a difference): the carry of an addition of the masks runs through the bits
- * of limbs that pass it on, and changes them and the one that it ends in. Bit 40 tells of one out of limb 0. */
+/* The limbs that a carry enters, from those that make one and those that pass one on: the carry of an addition of
+ * the masks runs through the bits of limbs that pass it on, and changes them and the one that it ends in. */
 constexpr LimbMask carries_in(LimbMask makes, LimbMask passes) {
     return (2 * makes + passes) ^ passes;
+}
+
+/* The same in lanes. Carries or borrows go up by one limb; only where one meets a limb that passes it on (99999999
+ * in a sum, 0 in a difference) the masks are formed. */
+QZOCI_AVX2 inline Loaded carries_in(const Loaded& makes, const Loaded& passes) {
+    Loaded in;
+    Vector passed = _mm256_setzero_si256();
+    QZOCI_UNROLLED
+    for (int part = 0; part < parts; ++part) {
+        const Vector below = part + 1 < parts ? makes.part[part + 1] : _mm256_setzero_si256();
+        const Vector across = _mm256_permute2x128_si256(makes.part[part], below, 0x21);
+        in.part[part] = _mm256_alignr_epi8(across, makes.part[part], sizeof(Limb));
+        passed = _mm256_or_si256(passed, _mm256_and_si256(in.part[part], passes.part[part]));
+    }
+    if (_mm256_testz_si256(passed, passed) == 0) {
+        in = lanes_of(carries_in(mask_of(makes), mask_of(passes)));
+    }
+    return in;
+}
+
+QZOCI_AVX2 inline bool is_set_at_limb_0(Vector part_0) {
+    return (_mm256_movemask_epi8(part_0) & 1) != 0;
 }
 
 /* ---- Rounding at limb 39 ---- */
@@ -256,23 +285,26 @@ void ripple(Limb* limbs, int first, int last) {
 } // namespace
 
 QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) {
-    const Loaded a = load({operands.a, operands.first, operands.last});
-    const Loaded b = load({operands.b, operands.first, operands.last});
+    const Loaded inside = lanes_inside(operands.first, operands.last);
+    Loaded largest_limbs;
     Loaded sum;
     Loaded makes;
     Loaded passes;
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
-        sum.part[part] = _mm256_add_epi32(a.part[part], b.part[part]);
+        const Vector a = load_vector(operands.a + part * vector_limbs);
+        const Vector b = load_vector(operands.b + part * vector_limbs);
+        largest_limbs.part[part] = _mm256_and_si256(larger(a, b), inside.part[part]);
+        sum.part[part] = _mm256_and_si256(_mm256_add_epi32(a, b), inside.part[part]);
         makes.part[part] = _mm256_cmpgt_epi32(sum.part[part], all(max_limb));
         passes.part[part] = _mm256_cmpeq_epi32(sum.part[part], all(max_limb));
     }
-    const LimbMask in = carries_in(mask_of(makes), mask_of(passes));
+    const Loaded carry = carries_in(makes, passes);
     /* A carry into limb 0 is an overflow; one out of it would be lost here. */
-    if (any_from(larger(largest(a), largest(b)), base) || (in & (bit(0) | 2 * bit(0))) != 0) {
+    if (any_from(largest(largest_limbs), base) ||
+        is_set_at_limb_0(_mm256_or_si256(carry.part[0], makes.part[0]))) {
         return false;
     }
-    const Loaded carry = lanes_of(in);
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
         const Vector carried = _mm256_sub_epi32(sum.part[part], carry.part[part]);
@@ -285,35 +317,36 @@ QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) 
 }
 
 QZOCI_AVX2 bool difference_avx2(const Aligned& operands, Limb* result, Extent& extent, bool& a_is_larger) {
-    Loaded a;
-    Loaded b;
-    Loaded above;
-    Loaded below;
+    int differing = operands.first;
+    while (differing < operands.last && operands.a[differing] == operands.b[differing]) {
+        ++differing;
+    }
+    const bool larger_is_a = operands.a[differing] > operands.b[differing];
+    const Vector negation = all(larger_is_a ? 0 : ~Limb{0});
+    Loaded largest_limbs;
+    Loaded difference; /* of the larger and the smaller operand, below zero where it borrows */
+    Loaded makes;
+    Loaded passes;
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
-        a.part[part] = load_vector(operands.a + part * vector_limbs);
-        b.part[part] = load_vector(operands.b + part * vector_limbs);
-        above.part[part] = _mm256_cmpgt_epi32(a.part[part], b.part[part]);
-        below.part[part] = _mm256_cmpgt_epi32(b.part[part], a.part[part]);
+        const Vector a = load_vector(operands.a + part * vector_limbs);
+        const Vector b = load_vector(operands.b + part * vector_limbs);
+        largest_limbs.part[part] = larger(a, b);
+        const Vector forward = _mm256_sub_epi32(a, b);
+        difference.part[part] = _mm256_sub_epi32(_mm256_xor_si256(forward, negation), negation);
+        makes.part[part] = _mm256_srai_epi32(difference.part[part], 31);
+        passes.part[part] = _mm256_cmpeq_epi32(difference.part[part], _mm256_setzero_si256());
     }
-    const LimbMask a_above = mask_of(above);
-    const LimbMask a_below = mask_of(below);
-    const LimbMask differing = a_above | a_below;
     /* Also where limbs outside first..last differ: the plain steps compare but do not subtract them. */
-    if (differing == 0 || (differing & ~bits(operands.first, operands.last)) != 0 ||
-        any_from(larger(largest(a), largest(b)), base)) {
+    const LimbMask unequal = bits(0, limb_count - 1) & ~mask_of(passes);
+    if (unequal == 0 || (unequal & ~bits(operands.first, operands.last)) != 0 ||
+        any_from(largest(largest_limbs), base)) {
         return false;
     }
-    const bool larger_is_a = a_above > a_below;
-    const LimbMask in = carries_in(larger_is_a ? a_below : a_above, bits(0, limb_count - 1) & ~differing);
-    const Loaded borrow = lanes_of(in);
-    const Vector negation = all(larger_is_a ? 0 : ~Limb{0});
-    Loaded difference;
+    const Loaded borrow = carries_in(makes, passes);
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
-        const Vector forward = _mm256_sub_epi32(a.part[part], b.part[part]);
-        const Vector signed_difference = _mm256_sub_epi32(_mm256_xor_si256(forward, negation), negation);
-        const Vector less_borrow = _mm256_add_epi32(signed_difference, borrow.part[part]);
+        const Vector less_borrow = _mm256_add_epi32(difference.part[part], borrow.part[part]);
         /* Below zero, it has wrapped and is the larger. */
         difference.part[part] = _mm256_min_epu32(less_borrow, _mm256_add_epi32(less_borrow, all(base)));
     }

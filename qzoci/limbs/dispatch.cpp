@@ -33,7 +33,7 @@ constexpr Kernels avx512_kernels = {
 bool has_avx2() {
     __builtin_cpu_init();
     return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
-           __builtin_cpu_supports("bmi2") != 0 && __builtin_cpu_supports("lzcnt") != 0;
+           __builtin_cpu_supports("bmi2") != 0;
 }
 
 bool has_avx512() {
