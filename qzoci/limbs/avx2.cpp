@@ -152,14 +152,15 @@ QZOCI_AVX2 inline Extent extent_of(const Loaded& a) {
 
 /* ---- Sum and difference ---- */
 
-/* The limbs that a carry enters, from those that make one and those that pass one on: the carry of an addition of
- * the masks runs through the bits of limbs that pass it on, and changes them and the one that it ends in. */
+/* The limbs that a carry enters, from those that make one and those that pass one on: the carry of an
+ * addition of the masks runs through the bits of limbs that pass it on, and changes them and the one that it
+ * ends in. */
 constexpr LimbMask carries_in(LimbMask makes, LimbMask passes) {
     return (2 * makes + passes) ^ passes;
 }
 
-/* The same in lanes. Carries or borrows go up by one limb; only where one meets a limb that passes it on (99999999
- * in a sum, 0 in a difference) the masks are formed. */
+/* The same in lanes. Carries or borrows go up by one limb; only where one meets a limb that passes it on
+ * (99999999 in a sum, 0 in a difference) the masks are formed. */
 QZOCI_AVX2 inline Loaded carries_in(const Loaded& makes, const Loaded& passes) {
     Loaded in;
     Vector passed = _mm256_setzero_si256();
@@ -224,8 +225,8 @@ private:
     alignas(Vector) Limb limbs_[vector_limbs + limb_count + vector_limbs];
 };
 
-/* The sums of all a_i * b_j with i + j - 19 = c, for the eight columns c from start on. A window of b, with a_i,
- * serves the even columns and, with a_(i+1), the odd ones. */
+/* The sums of all a_i * b_j with i + j - 19 = c, for the eight columns c from start on. A window of b, with
+ * a_i, serves the even columns and, with a_(i+1), the odd ones. */
 QZOCI_AVX2 inline Columns sums(const Magnitude& a, const Magnitude& b, const Padded& padded_b, int start) {
     Columns columns = {_mm256_setzero_si256(), _mm256_setzero_si256()};
     const int low = std::max(a.first, start + units_limb - b.last);
@@ -246,23 +247,23 @@ QZOCI_AVX2 inline Columns sums(const Magnitude& a, const Magnitude& b, const Pad
     return columns;
 }
 
-/* First pass. A column has at most min(c + 1, 60 - c) <= 30 products (a.first + b.first >= 19), so it is below
- * 3 * 10^17. q = floor(floor(c / 2^27) * M / 2^31) with M = floor(2^58 / 10^8) is not above c / 10^8, and less
- * than 2^27 / 10^8 + 0.54 + 1 < 2.9 below it. So the rest is below 2.9 * 10^8, and with the carry, below 3 *
- * 10^9, below 2^32. */
+/* First pass. A column has at most min(c + 1, 60 - c) <= 30 products (a.first + b.first >= 19), so it is
+ * below 3 * 10^17. q = floor(floor(c / 2^27) * M / 2^31) with M = floor(2^58 / 10^8) is not above c / 10^8,
+ * and less than 2^27 / 10^8 + 0.54 + 1 < 2.9 below it. So the rest is below 2.9 * 10^8, and with the carry,
+ * below 3 * 10^9, below 2^32. */
 QZOCI_AVX2 inline Vector first_carry(Vector column) {
     const Vector product = _mm256_mul_epu32(_mm256_srli_epi64(column, 27), _mm256_set1_epi64x(2882303761));
     return _mm256_srli_epi64(product, 31);
 }
 
-/* Second pass: floor(c / 10^8) for c < 2^32, since ceil(2^57 / 10^8) * 10^8 exceeds 2^57 by less than 2^25. It is
- * at most 32, so a limb is left below 10^8 + 32. */
+/* Second pass: floor(c / 10^8) for c < 2^32, since ceil(2^57 / 10^8) * 10^8 exceeds 2^57 by less than 2^25.
+ * It is at most 32, so a limb is left below 10^8 + 32. */
 QZOCI_AVX2 inline Vector second_carry(Vector column) {
     return _mm256_srli_epi64(_mm256_mul_epu32(column, _mm256_set1_epi64x(1441151881)), 57);
 }
 
-/* Columns less the carries from them and plus those to them: from an odd column it stays in its lane, from an even one it moves
- * down by a lane, the first one of the columns below into the last lane. */
+/* Columns less the carries from them and plus those to them: from an odd column it stays in its lane, from an
+ * even one it moves down by a lane, the first one of the columns below into the last lane. */
 QZOCI_AVX2 inline Columns carried(const Columns& columns, Vector from_even, Vector from_odd,
                                   Vector from_below) {
     const Vector limb = _mm256_set1_epi64x(base);
@@ -356,8 +357,9 @@ QZOCI_AVX2 bool difference_avx2(const Aligned& operands, Limb* result, Extent& e
     return true;
 }
 
-/* See the portable kernel for the condition and its proof. Eight columns at a time from the last ones on: what
- * they hand up is settled before the columns above take it. The carry of column 0 is dropped. */
+/* See the portable kernel for the condition and its proof. Eight columns at a time from the last ones on:
+ * what they hand up is settled before the columns above take it. The carry of column 0 is dropped.
+ * Columns 43..47 are summed along. */
 QZOCI_AVX2 bool product_avx2(const Magnitude& a, const Magnitude& b, Limb* result, Extent& extent) {
     const Loaded loaded_a = load(a);
     const Loaded loaded_b = load(b);

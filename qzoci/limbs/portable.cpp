@@ -11,45 +11,80 @@ using std::uint64_t;
 
 constexpr Limb half_limb = base / 2;
 
-/* The limb of the product that decides the rounding, and the last column that is summed: two guard columns.
- */
-constexpr int deciding_limb = limb_count;
-constexpr int last_column = deciding_limb + 2;
+/* Two limbs as one digit, base 10^16: pair i holds limbs 2 * i and 2 * i + 1, and the point stands behind
+ * pair 9. */
+constexpr uint64_t pair_base = uint64_t{base} * base;
+constexpr int pair_count = limb_count / 2;
+constexpr int units_pair = units_limb / 2;
 
-/* The dropped columns are worth less than this many units of the first guard limb, see product_portable. */
+/* The limb that decides the rounding of a product or quotient. In a product it leads the pair below the last
+ * one, and the guard limb is the other one of that pair. */
+constexpr int deciding_limb = limb_count;
+constexpr uint64_t half_pair = pair_base / 2;
+
+/* The last column of pairs of a product that is summed. */
+constexpr int last_column = pair_count + 1;
+
+/* The dropped columns are worth less than this many units of the guard limb, see product_portable. */
 constexpr Limb guard_units = 42;
 
-/* sums[c + 1] = the sum of all a_i * b_j with i + j - 19 = c, for c up to last_column. Each of the at most 40
- * products is below 10^16, so a sum is below 2^59. */
-void sum_columns(const Magnitude& a, const Magnitude& b, uint64_t* sums) {
-    for (int i = a.first; i <= a.last; ++i) {
-        const int last = std::min(b.last, last_column + units_limb - i);
-        const uint64_t factor = a.limbs[i];
-        uint64_t* const row = sums + i - units_limb + 1;
-        for (int j = b.first; j <= last; ++j) {
-            row[j] += factor * b.limbs[j];
+/* An operand in pairs. */
+struct Pairs {
+    explicit Pairs(const Magnitude& a) : first(a.first / 2), last(a.last / 2) {
+        for (int i = first; i <= last; ++i) {
+            pair[i] = a.limbs[2 * i] * uint64_t{base} + a.limbs[2 * i + 1];
+        }
+        if (a.first % 2 != 0) {
+            pair[first] -= a.limbs[a.first - 1] * uint64_t{base};
+        }
+        if (a.last % 2 == 0) {
+            pair[last] -= a.limbs[a.last + 1];
         }
     }
+
+    uint64_t pair[pair_count];
+    int first;
+    int last;
+};
+
+/* The sum of all a_i * b_j with i + j - 9 = column. As a.first + b.first >= 9, it has at most min(column + 1,
+ * 30 - column) <= 15 products, each below 10^32: it is below 1.5 * 10^33 < 2^111. */
+Wide column_sum(const Pairs& a, const Pairs& b, int column) {
+    const int total = column + units_pair;
+    const int last = std::min(a.last, total - b.first);
+    Wide sum;
+    for (int i = std::max(a.first, total - b.last); i <= last; ++i) {
+        sum = sum + Wide::product(static_cast<std::int64_t>(a.pair[i]),
+                                  static_cast<std::int64_t>(b.pair[total - i]));
+    }
+    return sum;
 }
 
-/* Turns the sums of columns first..last into limbs; what leaves column first goes into column first - 1,
- * which must be zero. Two passes without a chain leave limbs below base + 42, and only a rare one needs the
- * rippling third. */
-void carry_columns(uint64_t* columns, int first, int last) {
-    for (int pass = 0; pass < 2; ++pass) {
-        uint64_t above = columns[first] / base;
-        columns[first - 1] += above;
-        for (int c = first; c < last; ++c) {
-            const uint64_t next = columns[c + 1] / base;
-            columns[c] = columns[c] - above * base + next;
-            above = next;
-        }
-        columns[last] -= above * base;
-    }
+/* pairs[c] = the digit of column c, for first..last; what leaves column first goes into pairs[first - 1],
+ * which must be zero. The quotient of a sum S < 2^111 by 10^16 is formed from h = floor(S / 2^48) < 2^63 and
+ * M = floor(2^117 / 10^16) as floor(h * M / 2^69). It is not above S / 10^16, and less than 2^48 / 10^16 +
+ * 2^-6 + 1 < 1.05 below it: the rest is below 1.05 * 10^16. With the carry, which is below 1.5 * 10^17, it is
+ * divided once more; then a digit is below 10^16 + 17, and only a rare one needs the rippling pass. */
+void sum_columns(const Pairs& a, const Pairs& b, int first, int last, uint64_t* pairs) {
+    constexpr uint64_t reciprocal = 16615349947311448411U;
+    uint64_t below = 0; /* the carry of the column below, in the first pass */
+    uint64_t below_twice = 0;
+    bool excess = false;
     for (int c = last; c >= first; --c) {
-        if (columns[c] >= base) {
-            columns[c] -= base;
-            ++columns[c - 1];
+        const Wide sum = column_sum(a, b, c);
+        const uint64_t carry = high_product(static_cast<uint64_t>(sum.shifted(48)), reciprocal) >> 5;
+        const uint64_t once = static_cast<uint64_t>(sum.low()) - carry * pair_base + below;
+        const uint64_t carry_twice = once / pair_base;
+        pairs[c] = once - carry_twice * pair_base + below_twice;
+        excess |= pairs[c] >= pair_base;
+        below = carry;
+        below_twice = carry_twice;
+    }
+    pairs[first - 1] = below + below_twice;
+    for (int c = last; excess && c >= first; --c) {
+        if (pairs[c] >= pair_base) {
+            pairs[c] -= pair_base;
+            ++pairs[c - 1];
         }
     }
 }
@@ -67,8 +102,14 @@ void increment_last(Limb* limbs) {
 
 } // namespace
 
+/* The upper bit of x | (max_limb - x) is set just where x is above max_limb. A fixed count and no early end
+ * suit vector instructions, which compilers know on most machines. */
 bool is_canonical(const Magnitude& a) {
-    return std::all_of(a.limbs + a.first, a.limbs + a.last + 1, [](Limb limb) { return limb < base; });
+    Limb seen = 0;
+    for (int i = 0; i < limb_count; ++i) {
+        seen |= a.limbs[i] | (max_limb - a.limbs[i]);
+    }
+    return seen >> 31 == 0;
 }
 
 Extent extent_within(const Limb* limbs, int first, int last) {
@@ -135,9 +176,11 @@ bool difference_portable(const Aligned& operands, Limb* result, Extent& extent, 
     return true;
 }
 
-/* Short product: columns below last_column are left out. What they are worth is less than
- * 40 * 10^16 * (1 + 10^-8 + ...) units of column 43, hence less than 42 units of column 41. So the deciding
- * limb is the true one unless limb 41 >= base - 42; and a deciding limb that is one too small matters only
+/* Short product: the last columns are left out. Columns of single limbs behind limb 42, as in the vector
+ * kernels, are worth less than 40 * 10^16 * (1 + 10^-8 + ...) units of limb 43, hence less than 42 units of
+ * limb 41; columns of pairs behind limb 43, as here, less than 20 * 10^32 * (1 + 10^-16 + ...) units of limb
+ * 45, hence less than 21 of limb 41. So the deciding limb is the true one unless limb 41 >= base - 42; and a
+ * deciding limb that is one too small matters only
  *   - at 49999999, which is then really 50000000 and rounds up;
  *   - at 99999999, which is then really 0 with a carry into limb 39: rounding up adds the same one there,
  * unless limb 39 is 99999999, which a carry makes 0 but the rounding 1. In these cases the kernel declines.
@@ -146,28 +189,35 @@ bool product_portable(const Magnitude& a, const Magnitude& b, Limb* result, Exte
     if (!is_canonical(a) || !is_canonical(b)) {
         return false;
     }
-    const int first = a.first + b.first - units_limb;
-    const int last = std::min(a.last + b.last - units_limb, last_column);
-    const bool exact = a.last + b.last - units_limb <= last_column;
-    /* Column -1 has a place, as the limb above limb 0 that is dropped. */
-    uint64_t sums[last_column + 2] = {};
-    uint64_t* const columns = sums + 1;
+    const Pairs a_pairs(a);
+    const Pairs b_pairs(b);
+    const int first = a_pairs.first + b_pairs.first - units_pair;
+    const int last = std::min(a_pairs.last + b_pairs.last - units_pair, last_column);
+    const bool exact = a_pairs.last + b_pairs.last - units_pair <= last_column;
+    /* Pair -1 has a place, as the one above limb 0 that is dropped. */
+    uint64_t places[last_column + 2] = {};
+    uint64_t* const pairs = places + 1;
     if (first <= last) {
-        sum_columns(a, b, sums);
-        carry_columns(columns, first, last);
+        sum_columns(a_pairs, b_pairs, first, last, pairs);
     }
-    const bool inconclusive =
-        columns[limb_count - 1] == max_limb ||
-        (columns[deciding_limb] == half_limb - 1 && columns[deciding_limb + 1] >= base - guard_units);
+    const uint64_t deciding = pairs[pair_count];
+    const bool inconclusive = pairs[pair_count - 1] % base == max_limb ||
+                              (deciding < half_pair && deciding >= half_pair - guard_units);
     if (!exact && inconclusive) {
         return false;
     }
-    std::copy(columns, columns + limb_count, result);
-    if (columns[deciding_limb] >= half_limb) {
+    const int start = std::clamp(first - 1, 0, pair_count);
+    const int end = std::min(last + 1, pair_count);
+    std::fill(result, result + limb_count, Limb{0});
+    for (int i = start; i < end; ++i) {
+        result[2 * i] = static_cast<Limb>(pairs[i] / base);
+        result[2 * i + 1] = static_cast<Limb>(pairs[i] % base);
+    }
+    if (deciding >= half_pair) {
         Limb& rounded = result[limb_count - 1];
         rounded = rounded == max_limb ? 1 : rounded + 1;
     }
-    extent = extent_within(result, std::clamp(first - 1, 0, limb_count - 1), limb_count - 1);
+    extent = extent_within(result, 2 * start, limb_count - 1);
     return true;
 }
 
@@ -204,7 +254,6 @@ bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shif
     if (!is_canonical(dividend)) {
         return false;
     }
-    constexpr uint64_t pair_base = uint64_t{base} * base;
     const int start = dividend.first + shift;
     /* Limb 40 rounds, limb 41 is the second of a pair. */
     Limb limbs[limb_count + 2] = {};

@@ -10,8 +10,8 @@
 #define QZOCI_HAS_X86_KERNELS 0
 #endif
 
-/* Before a loop over the vectors of an array. A compiler that meets it rolled up keeps the array in memory, and
- * copies it in pieces that it cannot load back at once. */
+/* Before a loop over the vectors of an array. A compiler that meets it rolled up keeps the array in memory,
+ * and copies it in pieces that it cannot load back at once. */
 #if defined(__clang__)
 #define QZOCI_UNROLLED _Pragma("unroll")
 #else

@@ -1,5 +1,5 @@
-/* Where a fast kernel declines: each condition from both sides at every level, with a tally that shows which way
- * was taken, and the plain steps' digits either way. */
+/* Where a fast kernel declines: each condition from both sides at every level, with a tally that shows which
+ * way was taken, and the plain steps' digits either way. */
 #include "qzoci/oci_calc_number_elementary.h"
 #include "tests/limbs/levels.h"
 #include "tests/support/records.h"
