@@ -206,7 +206,7 @@ bool product_portable(const Magnitude& a, const Magnitude& b, Limb* result, Exte
     if (!exact && inconclusive) {
         return false;
     }
-    const int start = std::clamp(first - 1, 0, pair_count);
+    const int start = std::clamp(first - 1, 0, pair_count - 1);
     const int end = std::min(last + 1, pair_count);
     std::fill(result, result + limb_count, Limb{0});
     for (int i = start; i < end; ++i) {

@@ -188,6 +188,14 @@ TEST_P(FastProduct, RoundsALastLimbOf99999999UpTo1) {
     EXPECT_EQ(product, record_from_limbs({{39, 1}}));
 }
 
+TEST_P(FastProduct, RoundsUpFromACarryIntoLimb40) {
+    const QZCICalcNumber a = record_from_limbs({{30, 99999999}});
+    EXPECT_EQ(taken(engine::mul, Stretch::product, a, a), Taken::finished);
+    QZCICalcNumber product;
+    engine::mul({false, true}, &a, &a, &product);
+    EXPECT_EQ(product, record_from_limbs({{39, 1}}));
+}
+
 TEST_P(FastProduct, IsNotTriedWhereTheProductIsInfinite) {
     EXPECT_EQ(taken(engine::mul, Stretch::product, decimal("1e80"), decimal("1e80")), Taken::not_tried);
     /* 10^79 * 10^81 loses its top limb and is zero. */
