@@ -102,14 +102,15 @@ void increment_last(Limb* limbs) {
 
 } // namespace
 
-/* The upper bit of x | (max_limb - x) is set just where x is above max_limb. A fixed count and no early end
- * suit vector instructions, which compilers know on most machines. */
+/* The whole array first: a fixed count and no early end suit vector instructions, which compilers know on most
+ * machines. The upper bit of x | (max_limb - x) is set just where x is above max_limb. */
 bool is_canonical(const Magnitude& a) {
     Limb seen = 0;
     for (int i = 0; i < limb_count; ++i) {
         seen |= a.limbs[i] | (max_limb - a.limbs[i]);
     }
-    return seen >> 31 == 0;
+    return seen >> 31 == 0 ||
+           std::all_of(a.limbs + a.first, a.limbs + a.last + 1, [](Limb limb) { return limb < base; });
 }
 
 Extent extent_within(const Limb* limbs, int first, int last) {

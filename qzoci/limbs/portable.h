@@ -6,9 +6,8 @@
 
 namespace qzoci::limbs {
 
-/* True when every limb of the array is at most 99999999, also those outside the operand. Divisions leave
- * larger ones, and so do malformed bytes; the plain steps then do something definite that no kernel
- * reproduces. */
+/* True when every limb of the operand is at most 99999999. Divisions leave larger ones, and so do malformed
+ * bytes; the plain steps then do something definite that no kernel reproduces. */
 bool is_canonical(const Magnitude& a);
 
 /* The extent of a result whose limbs outside first..last are zero. */

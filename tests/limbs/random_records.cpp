@@ -27,6 +27,7 @@ constexpr auto shapes = std::to_array<Shape>({{18, 3, 1, 6},    /* stored */
                                               {19, 1, 21, 1},   /* wide */
                                               {19, 1, 2, 3},    /* short */
                                               {15, 6, 25, 1},   /* down to the last limb */
+                                              {28, 4, 1, 7},    /* products about the last limb */
                                               {0, 40, 1, 40}}); /* anywhere */
 
 constexpr auto turning_pairs = std::to_array<ub1>({0, 0, 0, 1, 9, 10, 49, 50, 51, 98, 99, 99, 99});
@@ -34,6 +35,9 @@ constexpr auto turning_pairs = std::to_array<ub1>({0, 0, 0, 1, 9, 10, 49, 50, 51
 } // namespace
 
 ub4 RandomRecords::limb(ub8 style) {
+    if (style == 3) { /* chains of carries */
+        return static_cast<ub4>(99999999 - (below(4) == 0 ? below(3) : 0));
+    }
     const bool turning = style == 1 ? below(3) != 0 : style == 2 && below(4) == 0;
     if (turning) {
         return turning_limbs[below(turning_limbs.size())];
@@ -43,7 +47,7 @@ ub4 RandomRecords::limb(ub8 style) {
 
 QZCICalcNumber RandomRecords::any() {
     const Shape& shape = shapes[below(shapes.size())];
-    const ub8 style = below(3);
+    const ub8 style = below(4);
     const int first = shape.first + static_cast<int>(below(static_cast<ub8>(shape.spread)));
     const int count = shape.least_count + static_cast<int>(below(static_cast<ub8>(shape.more)));
     QZCICalcNumber record;
