@@ -25,6 +25,10 @@ bool has_canonical_limbs(const QZCICalcNumber& num) {
                        [](ub4 limb) { return limb < limb_base; });
 }
 
+bool are_records(const QZCICalcNumber* a, const QZCICalcNumber* b, const QZCICalcNumber* c) {
+    return a != nullptr && b != nullptr && c != nullptr;
+}
+
 /* ---- Fast kernels ----
  * Each try_ function finishes its stretch with the digits and flags of the plain steps, straight into the
  * caller's record, or is false with nothing written. */
@@ -801,34 +805,15 @@ sword round_to_integer(Trace t, const IntegerRounding& rounding, const QZCICalcN
     return OCI_SUCCESS;
 }
 
-} // namespace
+/* ---- The operations without fast kernels; apart from their callers, whose way to a kernel is short then ---- */
 
-bool try_quotient_by_integer(Trace t, const QZCICalcNumber& dividend, sb8 divisor, QZCICalcNumber& quotient) {
-    return t.fast && is_ordinary(dividend) && divisor > 0 && divisor < limb_base &&
-           try_quotient_by_limb(t, dividend, static_cast<ub4>(divisor), 0, dividend.num_signed, quotient);
-}
-
-bool try_half(Trace t, QZCICalcNumber& num) {
-    if (!t.fast || !is_ordinary(num)) {
-        return false;
-    }
-    limbs::Extent extent = {-1, -1};
-    if (!t.counted(Stretch::half, limbs::kernels().half(magnitude(num), num.data_part, extent))) {
-        return false;
-    }
-    set_fields(num, extent, num.num_signed);
-    return true;
-}
-
-sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump) {
+[[gnu::noinline]] sword add_by_steps(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend,
+                                     QZCICalcNumber* sump) {
     constexpr const char* name = "QZCICalcNumAdd";
     QZOCI_DEBUG(t, "call function QZCICalcNumAdd with augend:%p, addend:%p, sum:%p", ptr(augend), ptr(addend),
                 ptr(sump));
     if (augend == nullptr || addend == nullptr || sump == nullptr) {
         QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
-    }
-    if (t.fast && try_sum(t, *augend, *addend, false, *sump)) {
-        return OCI_SUCCESS;
     }
     QZCICalcNumber cresult = canonical_zero();
     const sword status = sum_of(t, augend, addend, cresult);
@@ -838,15 +823,12 @@ sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, Q
     QZOCI_LEAVE(t, name, status);
 }
 
-sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
-          QZCICalcNumber* remainderp) {
+[[gnu::noinline]] sword sub_by_steps(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
+                                     QZCICalcNumber* remainderp) {
     QZOCI_DEBUG(t, "call function QZCICalcNumSub with minuend:%p, subtrahend:%p, remainder:%p", ptr(minuend),
                 ptr(subtrahend), ptr(remainderp));
     if (minuend == nullptr || subtrahend == nullptr || remainderp == nullptr) {
         return OCI_INVALID_HANDLE;
-    }
-    if (t.fast && try_sum(t, *minuend, *subtrahend, true, *remainderp)) {
-        return OCI_SUCCESS;
     }
     QZCICalcNumber cremainder = canonical_zero();
     const sword status = difference_of(t, minuend, subtrahend, cremainder);
@@ -856,16 +838,13 @@ sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahe
     QZOCI_LEAVE(t, "QZCICalcNumSub", status);
 }
 
-sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
-          QZCICalcNumber* productp) {
+[[gnu::noinline]] sword mul_by_steps(Trace t, const QZCICalcNumber* multiplicand,
+                                     const QZCICalcNumber* multiplier, QZCICalcNumber* productp) {
     constexpr const char* name = "QZCICalcNumMul";
     QZOCI_DEBUG(t, "call function QZCICalcNumMul with multiplicand:%p, multiplier:%p, product:%p",
                 ptr(multiplicand), ptr(multiplier), ptr(productp));
     if (multiplicand == nullptr || multiplier == nullptr || productp == nullptr) {
         return OCI_INVALID_HANDLE;
-    }
-    if (t.fast && try_product(t, *multiplicand, *multiplier, *productp)) {
-        return OCI_SUCCESS;
     }
     QZCICalcNumber cproduct = canonical_zero();
     sword status = OCI_SUCCESS;
@@ -888,6 +867,91 @@ sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* mul
         *productp = cproduct;
     }
     QZOCI_LEAVE(t, name, status);
+}
+
+[[gnu::noinline]] sword div_by_steps(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor,
+                                     QZCICalcNumber* resultp) {
+    QZOCI_DEBUG(t, "call function QZCICalcNumDiv with dividend:%p, divisor:%p, result:%p", ptr(dividend),
+                ptr(divisor), ptr(resultp));
+    if (dividend == nullptr || divisor == nullptr || resultp == nullptr) {
+        return OCI_INVALID_HANDLE;
+    }
+    if (divisor->is_zero != 0) {
+        QZOCI_ERROR("QZCICalcNumDiv: the divisor is zeor");
+        return OCI_ERROR;
+    }
+    QZCICalcNumber cresult = canonical_zero();
+    sword status = OCI_SUCCESS;
+    if (dividend->is_zero != 0 || dividend->num_infinity != 0 || divisor->num_infinity != 0) {
+        if (dividend->is_zero != 0) {
+            QZOCI_DEBUG(t, "QZCICalcNumDiv dividend is zero");
+            status = to_zero(t, &cresult);
+        } else {
+            status = divide_infinities(t, dividend, divisor, cresult);
+        }
+        if (status != OCI_SUCCESS) {
+            QZOCI_ERROR("multiplicand:%p / multiplier:%p QZCICalcNumToZero error:%d", ptr(dividend),
+                        ptr(divisor), status);
+        }
+    } else if (divisor->start_pos == divisor->end_pos) {
+        /* The text says dividend although it is the divisor; log readers key on it. */
+        QZOCI_DEBUG(t, "QZCICalcNumDiv dividend' length is 1");
+        status = div_one_limb(t, dividend, divisor, &cresult);
+        if (status != OCI_SUCCESS) {
+            QZOCI_ERROR("multiplicand:%p / multiplier:%p QZCICaclNumDivOneDivisor error:%d", ptr(dividend),
+                        ptr(divisor), status);
+        }
+    } else {
+        status = divide_long(t, dividend, divisor, cresult);
+    }
+    if (status == OCI_SUCCESS) {
+        *resultp = cresult;
+    }
+    return status; /* without an exit trace, on every path */
+}
+
+} // namespace
+
+bool try_quotient_by_integer(Trace t, const QZCICalcNumber& dividend, sb8 divisor, QZCICalcNumber& quotient) {
+    return t.fast && is_ordinary(dividend) && divisor > 0 && divisor < limb_base &&
+           try_quotient_by_limb(t, dividend, static_cast<ub4>(divisor), 0, dividend.num_signed, quotient);
+}
+
+bool try_half(Trace t, QZCICalcNumber& num) {
+    if (!t.fast || !is_ordinary(num)) {
+        return false;
+    }
+    limbs::Extent extent = {-1, -1};
+    if (!t.counted(Stretch::half, limbs::kernels().half(magnitude(num), num.data_part, extent))) {
+        return false;
+    }
+    set_fields(num, extent, num.num_signed);
+    return true;
+}
+
+sword add(Trace t, const QZCICalcNumber* augend, const QZCICalcNumber* addend, QZCICalcNumber* sump) {
+    if (t.fast && are_records(augend, addend, sump) && try_sum(t, *augend, *addend, false, *sump)) {
+        return OCI_SUCCESS;
+    }
+    return add_by_steps(t, augend, addend, sump);
+}
+
+sword sub(Trace t, const QZCICalcNumber* minuend, const QZCICalcNumber* subtrahend,
+          QZCICalcNumber* remainderp) {
+    if (t.fast && are_records(minuend, subtrahend, remainderp) &&
+        try_sum(t, *minuend, *subtrahend, true, *remainderp)) {
+        return OCI_SUCCESS;
+    }
+    return sub_by_steps(t, minuend, subtrahend, remainderp);
+}
+
+sword mul(Trace t, const QZCICalcNumber* multiplicand, const QZCICalcNumber* multiplier,
+          QZCICalcNumber* productp) {
+    if (t.fast && are_records(multiplicand, multiplier, productp) &&
+        try_product(t, *multiplicand, *multiplier, *productp)) {
+        return OCI_SUCCESS;
+    }
+    return mul_by_steps(t, multiplicand, multiplier, productp);
 }
 
 sword mul_integer(Trace t, const QZCICalcNumber* multiplicand, ub4 multiplier, QZCICalcNumber* productp) {
@@ -999,46 +1063,10 @@ sword mod_one_limb(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber
 }
 
 sword div(Trace t, const QZCICalcNumber* dividend, const QZCICalcNumber* divisor, QZCICalcNumber* resultp) {
-    QZOCI_DEBUG(t, "call function QZCICalcNumDiv with dividend:%p, divisor:%p, result:%p", ptr(dividend),
-                ptr(divisor), ptr(resultp));
-    if (dividend == nullptr || divisor == nullptr || resultp == nullptr) {
-        return OCI_INVALID_HANDLE;
-    }
-    if (t.fast && try_quotient(t, *dividend, *divisor, *resultp)) {
+    if (t.fast && are_records(dividend, divisor, resultp) && try_quotient(t, *dividend, *divisor, *resultp)) {
         return OCI_SUCCESS;
     }
-    if (divisor->is_zero != 0) {
-        QZOCI_ERROR("QZCICalcNumDiv: the divisor is zeor");
-        return OCI_ERROR;
-    }
-    QZCICalcNumber cresult = canonical_zero();
-    sword status = OCI_SUCCESS;
-    if (dividend->is_zero != 0 || dividend->num_infinity != 0 || divisor->num_infinity != 0) {
-        if (dividend->is_zero != 0) {
-            QZOCI_DEBUG(t, "QZCICalcNumDiv dividend is zero");
-            status = to_zero(t, &cresult);
-        } else {
-            status = divide_infinities(t, dividend, divisor, cresult);
-        }
-        if (status != OCI_SUCCESS) {
-            QZOCI_ERROR("multiplicand:%p / multiplier:%p QZCICalcNumToZero error:%d", ptr(dividend),
-                        ptr(divisor), status);
-        }
-    } else if (divisor->start_pos == divisor->end_pos) {
-        /* The text says dividend although it is the divisor; log readers key on it. */
-        QZOCI_DEBUG(t, "QZCICalcNumDiv dividend' length is 1");
-        status = div_one_limb(t, dividend, divisor, &cresult);
-        if (status != OCI_SUCCESS) {
-            QZOCI_ERROR("multiplicand:%p / multiplier:%p QZCICaclNumDivOneDivisor error:%d", ptr(dividend),
-                        ptr(divisor), status);
-        }
-    } else {
-        status = divide_long(t, dividend, divisor, cresult);
-    }
-    if (status == OCI_SUCCESS) {
-        *resultp = cresult;
-    }
-    return status; /* without an exit trace, on every path */
+    return div_by_steps(t, dividend, divisor, resultp);
 }
 
 sword mod(Trace t, const QZCICalcNumber* modend, const QZCICalcNumber* modor, QZCICalcNumber* resultp) {

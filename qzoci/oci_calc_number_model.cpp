@@ -48,6 +48,10 @@ int compare_limbs(const QZCICalcNumber& num1, const QZCICalcNumber& num2) {
     if (first < 0 || first > last) {
         return 0;
     }
+    /* Mostly the first limb tells. */
+    if (num1.data_part[first] != num2.data_part[first]) {
+        return num1.data_part[first] > num2.data_part[first] ? 1 : -1;
+    }
     return limbs::kernels().compare({num1.data_part, num2.data_part, first, last});
 }
 
@@ -122,11 +126,16 @@ void unpack_negative(const ub1* bytes, int length, QZCICalcNumber& num) {
     num.num_signed = -1;
 }
 
-/* Unpacks a finite, non-zero number of valid length, or is false with nothing written. */
-bool try_unpack(Trace t, const ub1* bytes, int length, QZCICalcNumber& num) {
+/* Unpacks a number with a mantissa, or is false with nothing written. The kernel declines positive infinity,
+ * whose mantissa byte is no pair's. */
+bool try_unpack(Trace t, const ub1* bytes, QZCICalcNumber& num) {
+    const int length = bytes[0];
+    if (length < first_mantissa_byte || length > 21 || bytes[1] == zero_exponent_byte) {
+        return false;
+    }
     const bool positive = bytes[1] > zero_exponent_byte;
     const int last = positive ? length : last_negative_byte(bytes, length);
-    const limbs::StoredPairs stored = {bytes + first_mantissa_byte, std::max(last - 1, 0), !positive};
+    const limbs::StoredPairs stored = {bytes + first_mantissa_byte, last - 1, !positive};
     const int exponent = positive ? bytes[1] - 193 : 62 - bytes[1];
     limbs::Extent extent = {-1, -1};
     if (!t.counted(Stretch::unpacking, limbs::kernels().unpack(stored, exponent, num.data_part, extent))) {
@@ -359,6 +368,66 @@ sword limbs_to_str(const QZCICalcNumber& num, char* buf, size_t buf_len, int len
     return OCI_SUCCESS;
 }
 
+/* ---- Stored form without fast kernels; apart, as the arithmetic's ---- */
+
+[[gnu::noinline]] sword unpack_by_steps(Trace t, QZCICalcNumber* num, const OCINumber* number) {
+    constexpr const char* name = "QZCICalcNumFromNumber";
+    QZOCI_DEBUG(t, "call function QZCICalcNumFromNumber with num:%p, number:%p", ptr(num), ptr(number));
+    if (num == nullptr || number == nullptr) {
+        QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
+    }
+    const ub1* bytes = number->OCINumberPart;
+    const int length = bytes[0];
+    const int exponent = bytes[1];
+    if (length < 1 || length > 21) {
+        QZOCI_ERROR("QZCICalcNumFromNumber get a invalid number");
+        QZOCI_LEAVE(t, name, OCI_ERROR);
+    }
+    if (length == 2 && exponent == 255 && bytes[2] == 101) {
+        *num = infinity_of_sign(1);
+        QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    }
+    if (length == 1 && exponent == 0) {
+        *num = infinity_of_sign(-1);
+        QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    }
+    if (exponent == zero_exponent_byte) {
+        to_zero(t, num);
+        QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    }
+    QZCICalcNumber unpacked = canonical_zero();
+    if (exponent > zero_exponent_byte) {
+        unpack_positive(bytes, length, unpacked);
+    } else {
+        unpack_negative(bytes, length, unpacked);
+    }
+    *num = unpacked;
+    QZOCI_LEAVE(t, name, OCI_SUCCESS);
+}
+
+[[gnu::noinline]] sword pack_by_steps(Trace t, const QZCICalcNumber* nump, OCINumber* number) {
+    constexpr const char* name = "QZCICalcNumToNumber";
+    QZCICalcNumber cnum = canonical_zero();
+    QZOCI_DEBUG(t, "call function QZCICalcNumToNumber with num:%p, number:%p", ptr(&cnum), ptr(number));
+    if (number == nullptr) {
+        QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
+    }
+    const sword status = assign(t, nump, &cnum);
+    if (status != OCI_SUCCESS) {
+        QZOCI_ERROR("QZCICalcNumToNumber error in QZCICalcNumAssign");
+        QZOCI_LEAVE(t, name, status);
+    }
+    if (cnum.num_infinity == 1) {
+        store_infinity(cnum.num_signed == 1, *number);
+    } else if (cnum.is_zero == 1) {
+        store_zero(*number);
+    } else if (!pack(cnum, *number)) {
+        QZOCI_MALFORMED(name);
+        QZOCI_LEAVE(t, name, OCI_ERROR);
+    }
+    QZOCI_LEAVE(t, name, OCI_SUCCESS);
+}
+
 } // namespace
 
 bool try_truncated(Trace t, const QZCICalcNumber& num, bool add_unit, QZCICalcNumber& result) {
@@ -413,67 +482,17 @@ sword to_infinity(Trace t, QZCICalcNumber* num, sb1 nsigned) {
 }
 
 sword from_number(Trace t, QZCICalcNumber* num, const OCINumber* number) {
-    constexpr const char* name = "QZCICalcNumFromNumber";
-    QZOCI_DEBUG(t, "call function QZCICalcNumFromNumber with num:%p, number:%p", ptr(num), ptr(number));
-    if (num == nullptr || number == nullptr) {
-        QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
-    }
-    const ub1* bytes = number->OCINumberPart;
-    const int length = bytes[0];
-    const int exponent = bytes[1];
-    if (length < 1 || length > 21) {
-        QZOCI_ERROR("QZCICalcNumFromNumber get a invalid number");
-        QZOCI_LEAVE(t, name, OCI_ERROR);
-    }
-    if (length == 2 && exponent == 255 && bytes[2] == 101) {
-        *num = infinity_of_sign(1);
-        QZOCI_LEAVE(t, name, OCI_SUCCESS);
-    }
-    if (length == 1 && exponent == 0) {
-        *num = infinity_of_sign(-1);
-        QZOCI_LEAVE(t, name, OCI_SUCCESS);
-    }
-    if (exponent == zero_exponent_byte) {
-        to_zero(t, num);
-        QZOCI_LEAVE(t, name, OCI_SUCCESS);
-    }
-    if (t.fast && try_unpack(t, bytes, length, *num)) {
+    if (t.fast && num != nullptr && number != nullptr && try_unpack(t, number->OCINumberPart, *num)) {
         return OCI_SUCCESS;
     }
-    QZCICalcNumber unpacked = canonical_zero();
-    if (exponent > zero_exponent_byte) {
-        unpack_positive(bytes, length, unpacked);
-    } else {
-        unpack_negative(bytes, length, unpacked);
-    }
-    *num = unpacked;
-    QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    return unpack_by_steps(t, num, number);
 }
 
 sword to_number(Trace t, const QZCICalcNumber* nump, OCINumber* number) {
-    constexpr const char* name = "QZCICalcNumToNumber";
     if (t.fast && nump != nullptr && number != nullptr && try_pack(t, *nump, *number)) {
         return OCI_SUCCESS;
     }
-    QZCICalcNumber cnum = canonical_zero();
-    QZOCI_DEBUG(t, "call function QZCICalcNumToNumber with num:%p, number:%p", ptr(&cnum), ptr(number));
-    if (number == nullptr) {
-        QZOCI_LEAVE(t, name, OCI_INVALID_HANDLE);
-    }
-    const sword status = assign(t, nump, &cnum);
-    if (status != OCI_SUCCESS) {
-        QZOCI_ERROR("QZCICalcNumToNumber error in QZCICalcNumAssign");
-        QZOCI_LEAVE(t, name, status);
-    }
-    if (cnum.num_infinity == 1) {
-        store_infinity(cnum.num_signed == 1, *number);
-    } else if (cnum.is_zero == 1) {
-        store_zero(*number);
-    } else if (!pack(cnum, *number)) {
-        QZOCI_MALFORMED(name);
-        QZOCI_LEAVE(t, name, OCI_ERROR);
-    }
-    QZOCI_LEAVE(t, name, OCI_SUCCESS);
+    return pack_by_steps(t, nump, number);
 }
 
 sword to_round(Trace t, QZCICalcNumber* num) {

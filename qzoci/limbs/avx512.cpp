@@ -29,6 +29,79 @@ inline LimbMask carries_out(LimbMask makes, LimbMask passes) {
     return makes;
 }
 
+QZOCI_AVX512 inline Vector lower(Vector a, Vector b) {
+    return _mm512_min_epu32(a, b);
+}
+
+QZOCI_AVX512 inline Vector higher(Vector a, Vector b) {
+    return _mm512_max_epu32(a, b);
+}
+
+QZOCI_AVX512 inline bool exceeds_limb(Vector a) {
+    return _mm512_cmpge_epu32_mask(a, all(base)) != 0;
+}
+
+/* What each limb's neighbour below holds, the last one's being the first of the part below. */
+QZOCI_AVX512 inline Vector from_below(Vector part, Vector part_below) {
+    return _mm512_alignr_epi32(part_below, part, 1);
+}
+
+/* The rare ways load their operands again: one that is handed over would be stored on the common way too. */
+QZOCI_AVX512 __attribute__((noinline)) bool sum_with_ripples(const Aligned& operands, Limb* result,
+                                                             Extent& extent) {
+    const Loaded a = load({operands.a, operands.first, operands.last});
+    const Loaded b = load({operands.b, operands.first, operands.last});
+    Loaded sum;
+    __mmask16 makes[3];
+    __mmask16 passes[3];
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        sum.part[part] = _mm512_add_epi32(a.part[part], b.part[part]);
+        makes[part] = _mm512_cmpge_epu32_mask(sum.part[part], all(base));
+        passes[part] = _mm512_cmpeq_epi32_mask(sum.part[part], all(max_limb));
+    }
+    const LimbMask out =
+        carries_out(joined(makes[0], makes[1], makes[2]), joined(passes[0], passes[1], passes[2]));
+    /* A carry into limb 0 is an overflow; one out of it would be lost here. */
+    if (!is_canonical(a) || !is_canonical(b) || (out & (bit(0) | bit(1))) != 0) {
+        return false;
+    }
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        sum.part[part] =
+            _mm512_mask_add_epi32(sum.part[part], part_of(out >> 1, part), sum.part[part], all(1));
+        sum.part[part] = _mm512_mask_sub_epi32(sum.part[part], part_of(out, part), sum.part[part], all(base));
+    }
+    store(sum, result);
+    extent = extent_of(sum);
+    return true;
+}
+
+/* The limbs of larger and smaller differ where differing says so. */
+QZOCI_AVX512 __attribute__((noinline)) void difference_with_ripples(const Limb* larger, const Limb* smaller,
+                                                                    LimbMask differing, Limb* result,
+                                                                    Extent& extent) {
+    const Loaded a = load({larger, 0, limb_count - 1});
+    const Loaded b = load({smaller, 0, limb_count - 1});
+    Loaded difference;
+    __mmask16 makes[3];
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        difference.part[part] = _mm512_sub_epi32(a.part[part], b.part[part]);
+        makes[part] = _mm512_movepi32_mask(difference.part[part]);
+    }
+    const LimbMask out = carries_out(joined(makes[0], makes[1], makes[2]), ~differing);
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        const Vector less_borrow = _mm512_mask_sub_epi32(difference.part[part], part_of(out >> 1, part),
+                                                         difference.part[part], all(1));
+        difference.part[part] =
+            _mm512_mask_add_epi32(less_borrow, part_of(out, part), less_borrow, all(base));
+    }
+    store(difference, result);
+    extent = extent_of(difference);
+}
+
 /* ---- Product ---- */
 
 /* The deciding limb of the rounding and the two guard columns after it, as in the portable kernel. */
@@ -217,71 +290,89 @@ QZOCI_AVX512 bool product_of_fractions(const Limb* a, const Loaded& b, bool exac
 
 } // namespace
 
+/* Without masks, which take longer than the addition: a sum of two limbs below base is settled by the smaller of
+ * itself and itself less base, and its carry is the sign of max_limb - sum. A limb of 99999999 that receives a
+ * carry is left at base, and then all carries are found at once. Above limb 2 none can reach limb 0. */
 QZOCI_AVX512 bool sum_avx512(const Aligned& operands, Limb* result, Extent& extent) {
     const Loaded a = load({operands.a, operands.first, operands.last});
     const Loaded b = load({operands.b, operands.first, operands.last});
     Loaded sum;
-    __mmask16 makes[3];
-    __mmask16 passes[3];
+    Vector carries[4];
+    carries[3] = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         sum.part[part] = _mm512_add_epi32(a.part[part], b.part[part]);
-        makes[part] = _mm512_cmpge_epu32_mask(sum.part[part], all(base));
-        passes[part] = _mm512_cmpeq_epi32_mask(sum.part[part], all(max_limb));
+        carries[part] = _mm512_srli_epi32(_mm512_sub_epi32(all(max_limb), sum.part[part]), 31);
     }
-    const LimbMask out =
-        carries_out(joined(makes[0], makes[1], makes[2]), joined(passes[0], passes[1], passes[2]));
-    /* A carry into limb 0 is an overflow; one out of it would be lost here. */
-    if (!is_canonical(a) || !is_canonical(b) || (out & (bit(0) | bit(1))) != 0) {
-        return false;
-    }
+    Loaded settled;
+    Vector largest = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
-        sum.part[part] =
-            _mm512_mask_add_epi32(sum.part[part], part_of(out >> 1, part), sum.part[part], all(1));
-        sum.part[part] = _mm512_mask_sub_epi32(sum.part[part], part_of(out, part), sum.part[part], all(base));
+        settled.part[part] =
+            _mm512_add_epi32(lower(sum.part[part], _mm512_sub_epi32(sum.part[part], all(base))),
+                             from_below(carries[part], carries[part + 1]));
+        largest = higher(largest, higher(settled.part[part], higher(a.part[part], b.part[part])));
     }
-    store(sum, result);
-    extent = extent_of(sum);
+    if (operands.first < 2 || exceeds_limb(largest)) {
+        return sum_with_ripples(operands, result, extent);
+    }
+    store(settled, result);
+    extent = extent_of(settled);
     return true;
 }
 
+/* As the sum: a limb of the larger less one of the smaller is settled by the smaller of itself and itself plus
+ * base, and its borrow is its sign. Equal limbs that receive a borrow become negative then, and all borrows are
+ * found at once. */
 QZOCI_AVX512 bool difference_avx512(const Aligned& operands, Limb* result, Extent& extent,
                                     bool& a_is_larger) {
     const Loaded a = load({operands.a, 0, limb_count - 1});
     const Loaded b = load({operands.b, 0, limb_count - 1});
-    __mmask16 above[3];
-    __mmask16 below[3];
+    Loaded forward;
+    Vector largest = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
-        above[part] = _mm512_cmpgt_epu32_mask(a.part[part], b.part[part]);
-        below[part] = _mm512_cmplt_epu32_mask(a.part[part], b.part[part]);
+        forward.part[part] = _mm512_sub_epi32(a.part[part], b.part[part]);
+        largest = higher(largest, higher(a.part[part], b.part[part]));
     }
-    const LimbMask a_above = joined(above[0], above[1], above[2]);
-    const LimbMask a_below = joined(below[0], below[1], below[2]);
-    const LimbMask inside = bits(operands.first, operands.last);
-    if (((a_above | a_below) & ~inside) != 0 || a_above == a_below || !is_canonical(a) || !is_canonical(b)) {
+    const LimbMask differing = non_zero_limbs(forward);
+    if ((differing & ~bits(operands.first, operands.last)) != 0 || differing == 0 || exceeds_limb(largest)) {
         return false; /* also where limbs outside first..last differ: the plain steps compare but do not
                          subtract them */
     }
-    /* The lowest bit is the most significant limb. */
-    const bool larger_is_a = std::countr_zero(a_above) < std::countr_zero(a_below);
-    const LimbMask makes = larger_is_a ? a_below : a_above;
-    const LimbMask out = carries_out(makes, inside & ~(a_above | a_below));
+    /* Mostly the first limbs tell, and then nothing waits for the mask, whose lowest bit is the most significant
+     * limb. */
+    int deciding = operands.first;
+    if (operands.a[deciding] == operands.b[deciding]) [[unlikely]] {
+        deciding = std::countr_zero(differing);
+    }
+    const bool larger_is_a = operands.a[deciding] > operands.b[deciding];
+    a_is_larger = larger_is_a;
+    const Vector flip = _mm512_set1_epi32(static_cast<int>(larger_is_a) - 1);
     Loaded difference;
+    Vector borrows[4];
+    borrows[3] = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
-        const Vector forward = _mm512_sub_epi32(a.part[part], b.part[part]);
-        const Vector signed_difference =
-            larger_is_a ? forward : _mm512_sub_epi32(_mm512_setzero_si512(), forward);
-        const Vector less_borrow =
-            _mm512_mask_sub_epi32(signed_difference, part_of(out >> 1, part), signed_difference, all(1));
-        difference.part[part] =
-            _mm512_mask_add_epi32(less_borrow, part_of(out, part), less_borrow, all(base));
+        difference.part[part] = _mm512_sub_epi32(_mm512_xor_si512(forward.part[part], flip), flip);
+        borrows[part] = _mm512_srli_epi32(difference.part[part], 31);
     }
-    store(difference, result);
-    extent = extent_of(difference);
-    a_is_larger = larger_is_a;
+    Loaded settled;
+    Vector passing = _mm512_setzero_si512();
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        const Vector less_borrow =
+            _mm512_sub_epi32(difference.part[part], from_below(borrows[part], borrows[part + 1]));
+        passing = _mm512_or_si512(passing, _mm512_xor_si512(less_borrow, difference.part[part]));
+        settled.part[part] = lower(less_borrow, _mm512_add_epi32(less_borrow, all(base)));
+    }
+    if (_mm512_movepi32_mask(passing) != 0) {
+        difference_with_ripples(larger_is_a ? operands.a : operands.b, larger_is_a ? operands.b : operands.a,
+                                differing, result, extent);
+        return true;
+    }
+    store(settled, result);
+    extent = extent_of(settled);
     return true;
 }
 

@@ -83,10 +83,13 @@ QZOCI_AVX512 inline Extent extent_of(LimbMask non_zero) {
     return {std::countr_zero(non_zero), 63 - std::countl_zero(non_zero)};
 }
 
+QZOCI_AVX512 inline LimbMask non_zero_limbs(const Loaded& a) {
+    return joined(_mm512_test_epi32_mask(a.part[0], a.part[0]), _mm512_test_epi32_mask(a.part[1], a.part[1]),
+                  _mm512_test_epi32_mask(a.part[2], a.part[2]));
+}
+
 QZOCI_AVX512 inline Extent extent_of(const Loaded& a) {
-    return extent_of(joined(_mm512_test_epi32_mask(a.part[0], a.part[0]),
-                            _mm512_test_epi32_mask(a.part[1], a.part[1]),
-                            _mm512_test_epi32_mask(a.part[2], a.part[2])));
+    return extent_of(non_zero_limbs(a));
 }
 
 /* Limbs of columns first.. moved to their places in a whole array. */

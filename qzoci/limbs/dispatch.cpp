@@ -56,11 +56,10 @@ const Kernels& kernels_of(Level level) {
     return portable_kernels;
 }
 
-/* The library's only writable datum: the level found out or forced, 0 before that. Any order of accesses will
- * do: every thread finds out the same. */
-std::atomic<int> cached_level = 0;
-
 } // namespace
+
+/* The library's only writable datum. */
+std::atomic<const Kernels*> kernels_in_use = nullptr;
 
 Level best_level() {
 #if QZOCI_HAS_X86_KERNELS
@@ -74,18 +73,14 @@ Level best_level() {
     return Level::portable;
 }
 
-const Kernels& kernels() {
-    int level = cached_level.load(std::memory_order_relaxed);
-    if (level == 0) {
-        level = static_cast<int>(best_level());
-        cached_level.store(level, std::memory_order_relaxed);
-    }
-    return kernels_of(static_cast<Level>(level));
+const Kernels& find_kernels() {
+    force_level(best_level());
+    return kernels();
 }
 
 Level force_level(Level level) {
     const Level forced = std::min(level, best_level());
-    cached_level.store(static_cast<int>(forced), std::memory_order_relaxed);
+    kernels_in_use.store(&kernels_of(forced), std::memory_order_relaxed);
     return forced;
 }
 

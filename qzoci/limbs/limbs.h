@@ -8,6 +8,7 @@
 #ifndef QZOCI_LIMBS_LIMBS_H
 #define QZOCI_LIMBS_LIMBS_H
 
+#include <atomic>
 #include <cstdint>
 
 namespace qzoci::limbs {
@@ -110,8 +111,18 @@ struct Kernels {
 /* Which instruction set the kernels use; each includes those before it. */
 enum class Level { portable = 1, avx2, avx512 };
 
+/* The kernels in use; null before they are found out. Any order of accesses will do: every thread finds out the
+ * same. */
+extern std::atomic<const Kernels*> kernels_in_use;
+
+/* Finds out the kernels for this CPU. */
+const Kernels& find_kernels();
+
 /* The kernels for this CPU, found out at the first call; safe to call from any thread. */
-const Kernels& kernels();
+inline const Kernels& kernels() {
+    const Kernels* const found = kernels_in_use.load(std::memory_order_relaxed);
+    return found != nullptr ? *found : find_kernels();
+}
 
 /* Makes kernels() return those of the level, or of the best one below it that this CPU and build have;
  * returns that level. For tests. */

@@ -95,13 +95,14 @@ QZOCI_AVX512 bool pack_avx512(const Magnitude& a, bool complemented, uint8_t* by
     const PairMask kept = first_pairs(stored_pairs) << leading_zeros;
     const PairMask rounds_up = _mm256_cmpge_epu8_mask(pairs, every(50)) >> deciding & 1;
     const bool is_cut = count > stored_limbs || significant >> deciding != 0;
-    const PairMask last_ones = rounds_up != 0           ? ~_mm256_cmpeq_epi8_mask(pairs, every(99))
-                               : is_cut && complemented ? kept
-                                                        : significant;
-    if ((last_ones & kept) == 0) {
+    /* Of the pairs kept, the last of these is the last one written. */
+    const PairMask candidates = rounds_up != 0           ? ~_mm256_cmpeq_epi8_mask(pairs, every(99))
+                                : is_cut && complemented ? kept
+                                                         : significant;
+    if ((candidates & kept) == 0) {
         return false;
     }
-    const int end = 32 - std::countl_zero(last_ones & kept);
+    const int end = 32 - std::countl_zero(candidates & kept);
     pairs = _mm256_mask_add_epi8(pairs, rounds_up << (end - 1), pairs, every(1));
     const PairMask terminator = complemented && end < deciding ? PairMask{1} << end : 0;
     pairs = _mm256_mask_mov_epi8(recoded(pairs, complemented, 101, 1), terminator, every(terminator_byte));

@@ -379,12 +379,14 @@ TEST_P(FastTruncation, DeclinesLimbsAbove99999999BeforeThePointAlone) {
 TEST_P(FastUnpacking, IsNotTriedForSpecialValuesAndLengths) {
     EXPECT_EQ(taken_for_unpacking("0180"), Taken::not_tried);
     EXPECT_EQ(taken_for_unpacking("158001"), Taken::not_tried);
-    EXPECT_EQ(taken_for_unpacking("02ff65"), Taken::not_tried);
     EXPECT_EQ(taken_for_unpacking("0100"), Taken::not_tried);
     EXPECT_EQ(taken_for_unpacking("00c102"), Taken::not_tried);
     EXPECT_EQ(taken_for_unpacking("16c102"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("0105"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("01c1"), Taken::not_tried);
+    EXPECT_EQ(taken_for_unpacking("0205"), Taken::finished);
+    EXPECT_EQ(taken_for_unpacking("02ff65"), Taken::declined); /* positive infinity */
     EXPECT_EQ(taken_for_unpacking("02ff64"), Taken::finished);
-    EXPECT_EQ(taken_for_unpacking("0105"), Taken::finished);
 }
 
 TEST_P(FastUnpacking, DeclinesBytesThatAreNoPairs) {
