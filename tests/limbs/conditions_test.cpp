@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qzoci::test {
 namespace {
@@ -115,6 +116,22 @@ TEST_P(FastKernels, DeclineLimbsAbove99999999) {
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, large, decimal("3")), Taken::declined);
     EXPECT_EQ(taken_for_root(large), Taken::declined);
     EXPECT_EQ(taken(engine::add, Stretch::sum, wide, wide), Taken::finished);
+}
+
+/* A comparison takes all 40 limbs, everything else those from start_pos to end_pos. */
+TEST_P(FastKernels, TreatStrayLimbsAsThePlainStepsDo) {
+    const QZCICalcNumber number = decimal("1234.5");
+    const QZCICalcNumber other = decimal("1234.50000000000007");
+    for (const int limb : {0, 3, 18, 21, 25, 39}) {
+        QZCICalcNumber stray = number;
+        stray.data_part[limb] = 77;
+        for (const auto& [a, b] :
+             {std::pair(stray, other), std::pair(other, stray), std::pair(stray, stray)}) {
+            EXPECT_NE(taken(engine::add, Stretch::sum, a, b), Taken::not_tried) << limb;
+            EXPECT_NE(taken(engine::sub, Stretch::difference, a, b), Taken::not_tried) << limb;
+            EXPECT_NE(taken(engine::mul, Stretch::product, a, b), Taken::not_tried) << limb;
+        }
+    }
 }
 
 TEST_P(FastKernels, LeaveZerosAndInfinitiesToThePlainSteps) {
