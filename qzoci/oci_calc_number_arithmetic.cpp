@@ -12,6 +12,10 @@ namespace {
 constexpr ub4 half_limb = limb_base / 2;
 constexpr ub4 max_limb = limb_base - 1;
 
+bool has_sign(const QZCICalcNumber& num) {
+    return num.num_signed == 1 || num.num_signed == -1;
+}
+
 bool has_walkable_limbs(const QZCICalcNumber& num) {
     return is_walkable(num.start_pos, num.end_pos);
 }
@@ -108,11 +112,12 @@ bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber&
     return true;
 }
 
-/* |modend| > |modor|, finite; modor has two or more limbs. */
+/* Where |modend| > |modor| and modor has two or more limbs. */
 bool try_remainder(Trace t, const QZCICalcNumber& modend, const QZCICalcNumber& modor,
                    QZCICalcNumber& remainder) {
-    if (!is_ordinary(modend) || !is_ordinary(modor) || modor.data_part[modor.start_pos] == 0 ||
-        modend.data_part[modend.start_pos] == 0 || modend.start_pos > modor.start_pos) {
+    if (!is_ordinary(modend) || !is_ordinary(modor) || modor.start_pos == modor.end_pos ||
+        modor.data_part[modor.start_pos] == 0 || modend.data_part[modend.start_pos] == 0 ||
+        modend.start_pos > modor.start_pos || QZCICalcNumAbsCompare(&modend, &modor) <= 0) {
         return false;
     }
     const sb1 sign = modend.num_signed;
@@ -345,16 +350,10 @@ bool accumulate(ub4* tmp_data_part, int t, ub4 limb1, ub4 limb2) {
     return true;
 }
 
-/* True when the record has the limbs that a count of positions from end_pos upward promises. The count is that
- * of a signed byte, which wraps to a positive one for positions such as 127 and -128. */
-bool has_limbs_above_last(const QZCICalcNumber& num, int count) {
-    return num.end_pos < limb_count && num.end_pos - count >= -1;
-}
-
 /* The raw product of the significant limbs. False: a malformed operand. */
 bool multiply_limbs(Trace t, const QZCICalcNumber* mul1, int len2, const QZCICalcNumber* mul2, int len1,
                     ub4* tmp_data_part) {
-    if (len1 > 0 && len2 > 0 && (!has_limbs_above_last(*mul1, len2) || !has_limbs_above_last(*mul2, len1))) {
+    if (len1 > 0 && len2 > 0 && (!has_walkable_limbs(*mul1) || !has_walkable_limbs(*mul2))) {
         return false;
     }
     for (int i = 0; i < len2; ++i) {
@@ -750,9 +749,6 @@ sword remainder_of(Trace t, const QZCICalcNumber* modend, const QZCICalcNumber* 
         }
         return status;
     }
-    if (t.fast && try_remainder(t, *modend, *modor, cresult)) {
-        return OCI_SUCCESS;
-    }
     return modulo_long(*modend, *modor, cresult);
 }
 
@@ -1076,6 +1072,9 @@ sword mod(Trace t, const QZCICalcNumber* modend, const QZCICalcNumber* modor, QZ
                 ptr(modor), ptr(resultp));
     if (modend == nullptr || modor == nullptr || resultp == nullptr) {
         return OCI_INVALID_HANDLE;
+    }
+    if (t.fast && try_remainder(t, *modend, *modor, *resultp)) {
+        return OCI_SUCCESS;
     }
     QZCICalcNumber cresult = canonical_zero();
     const sword status = remainder_of(t, modend, modor, cresult);

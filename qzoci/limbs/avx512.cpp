@@ -16,19 +16,6 @@ using std::uint64_t;
 
 /* ---- Sum and difference ---- */
 
-/* The limbs that a carry or borrow leaves, from those that make one and those that pass one on (limbs of
- * 99999999 in a sum, equal limbs in a difference): C_i = makes_i | (passes_i & C_(i+1)), by doubling. */
-inline LimbMask carries_out(LimbMask makes, LimbMask passes) {
-    if ((passes & makes >> 1) == 0) {
-        return makes;
-    }
-    for (int distance = 1; distance < limb_count; distance *= 2) {
-        makes |= passes & makes >> distance;
-        passes &= passes >> distance;
-    }
-    return makes;
-}
-
 QZOCI_AVX512 inline Vector lower(Vector a, Vector b) {
     return _mm512_min_epu32(a, b);
 }
@@ -109,79 +96,13 @@ constexpr int deciding_limb = limb_count;
 constexpr int last_column = deciding_limb + 2;
 constexpr Limb guard_units = 42;
 
-/* Sums of columns first, first + 2, ... in even and first + 1, first + 3, ... in odd, eight a vector. */
-template <int Vectors>
-struct Columns {
-    Vector even[Vectors];
-    Vector odd[Vectors];
-};
-
-/* floor(c / 10^8) in 64-bit lanes, for c < 2^59: with M = ceil(2^70 / 390625), M * 390625 = 2^70 + e, e <
- * 2^15, the product (c >> 8) * M / 2^70 exceeds (c >> 8) / 390625 by less than 2^51 * 2^15 / 390625 / 2^70 <
- * 1 / 390625. */
-QZOCI_AVX512 inline Vector over_base(Vector c) {
-    const Vector reciprocal = _mm512_set1_epi64(3022314549036573);
-    const Vector high = _mm512_madd52hi_epu64(_mm512_setzero_si512(), _mm512_srli_epi64(c, 8), reciprocal);
-    return _mm512_srli_epi64(high, 18);
-}
-
-/* Hands what exceeds a limb to the column above; the carry of the first column is dropped. From an odd column
- * it stays in its lane, from an even one it moves down by a lane. */
-template <int Vectors>
-QZOCI_AVX512 inline void carry_pass(Columns<Vectors>& columns) {
-    const Vector limb = _mm512_set1_epi64(base);
-    Vector from_even[Vectors + 1];
-    from_even[Vectors] = _mm512_setzero_si512();
-    QZOCI_UNROLLED
-    for (int v = 0; v < Vectors; ++v) {
-        from_even[v] = over_base(columns.even[v]);
-    }
-    QZOCI_UNROLLED
-    for (int v = 0; v < Vectors; ++v) {
-        const Vector from_odd = over_base(columns.odd[v]);
-        const Vector rest_even = _mm512_sub_epi64(columns.even[v], _mm512_mul_epu32(from_even[v], limb));
-        const Vector rest_odd = _mm512_sub_epi64(columns.odd[v], _mm512_mul_epu32(from_odd, limb));
-        columns.even[v] = _mm512_add_epi64(rest_even, from_odd);
-        columns.odd[v] = _mm512_add_epi64(rest_odd, _mm512_alignr_epi64(from_even[v + 1], from_even[v], 1));
-    }
-}
-
-/* Carries on where limbs of base to base + 42 are left: about three products in a million. */
-QZOCI_AVX512 void ripple(Limb* limbs, int count) {
-    Limb carry = 0;
-    for (int i = count - 1; i >= 0; --i) {
-        limbs[i] += carry;
-        carry = limbs[i] >= base ? 1 : 0;
-        limbs[i] -= carry != 0 ? base : 0;
-    }
-}
-
 /* Carries, rounds and places the column sums; see the portable kernel for the condition and its proof. exact
  * tells that no column is left out. first >= 0, and a carry out of column first is dropped. */
 template <int Vectors>
 QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bool exact, Limb* result,
                                         Extent& extent) {
-    carry_pass(columns);
-    carry_pass(columns);
     Vector packed[Vectors];
-    __mmask16 excess = 0;
-    QZOCI_UNROLLED
-    for (int v = 0; v < Vectors; ++v) {
-        packed[v] = _mm512_or_si512(columns.even[v], _mm512_slli_epi64(columns.odd[v], 32));
-        excess |= _mm512_cmpge_epu32_mask(packed[v], all(base));
-    }
-    if (excess != 0) {
-        Limb limbs[Vectors * vector_limbs];
-        QZOCI_UNROLLED
-        for (int v = 0; v < Vectors; ++v) {
-            _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
-        }
-        ripple(limbs, Vectors * vector_limbs);
-        QZOCI_UNROLLED
-        for (int v = 0; v < Vectors; ++v) {
-            packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
-        }
-    }
+    carry_through(columns, packed);
     LimbMask rounding = 0; /* columns from half a base on */
     LimbMask below_half = 0;
     LimbMask near_top = 0;

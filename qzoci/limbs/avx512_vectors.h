@@ -119,6 +119,109 @@ QZOCI_AVX512 inline Loaded at_column(const Vector (&packed)[Vectors], int first)
     return placed;
 }
 
+/* The reverse: lane i has limb first + i, or 0 beyond the array's limbs. -1 <= first < limb_count. */
+QZOCI_AVX512 inline Loaded from_column(const Loaded& a, int first) {
+    const Vector iota = _mm512_set_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    const LimbMask inside = bits(0, limb_count - 1);
+    const LimbMask filled = first < 0 ? inside << 1 : inside >> first;
+    Loaded moved;
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        const Vector source = _mm512_add_epi32(iota, _mm512_set1_epi32(part * vector_limbs + first));
+        const __mmask16 mask = part_of(filled, part);
+        const __mmask16 third =
+            _mm512_mask_cmpge_epi32_mask(mask, source, _mm512_set1_epi32(2 * vector_limbs));
+        moved.part[part] = _mm512_mask_permutexvar_epi32(
+            _mm512_maskz_permutex2var_epi32(mask, a.part[0], source, a.part[1]), third, source, a.part[2]);
+    }
+    return moved;
+}
+
+/* The limbs that a carry or borrow leaves, from those that make one and those that pass one on (limbs of
+ * 99999999 in a sum, equal limbs in a difference): C_i = makes_i | (passes_i & C_(i+1)), by doubling. */
+inline LimbMask carries_out(LimbMask makes, LimbMask passes) {
+    if ((passes & makes >> 1) == 0) {
+        return makes;
+    }
+    for (int distance = 1; distance < limb_count; distance *= 2) {
+        makes |= passes & makes >> distance;
+        passes &= passes >> distance;
+    }
+    return makes;
+}
+
+/* Sums of columns first, first + 2, ... in even and first + 1, first + 3, ... in odd, eight a vector. */
+template <int Vectors>
+struct Columns {
+    Vector even[Vectors];
+    Vector odd[Vectors];
+};
+
+/* floor(c / 10^8) in 64-bit lanes, for c < 2^59: with M = ceil(2^70 / 390625), M * 390625 = 2^70 + e, e <
+ * 2^15, the product (c >> 8) * M / 2^70 exceeds (c >> 8) / 390625 by less than 2^51 * 2^15 / 390625 / 2^70 <
+ * 1 / 390625. */
+QZOCI_AVX512 inline Vector over_base(Vector c) {
+    const Vector reciprocal = _mm512_set1_epi64(3022314549036573);
+    const Vector high = _mm512_madd52hi_epu64(_mm512_setzero_si512(), _mm512_srli_epi64(c, 8), reciprocal);
+    return _mm512_srli_epi64(high, 18);
+}
+
+/* Hands what exceeds a limb to the column above; the carry of the first column is dropped. From an odd column
+ * it stays in its lane, from an even one it moves down by a lane. */
+template <int Vectors>
+QZOCI_AVX512 inline void carry_pass(Columns<Vectors>& columns) {
+    const Vector limb = _mm512_set1_epi64(base);
+    Vector from_even[Vectors + 1];
+    from_even[Vectors] = _mm512_setzero_si512();
+    QZOCI_UNROLLED
+    for (int v = 0; v < Vectors; ++v) {
+        from_even[v] = over_base(columns.even[v]);
+    }
+    QZOCI_UNROLLED
+    for (int v = 0; v < Vectors; ++v) {
+        const Vector from_odd = over_base(columns.odd[v]);
+        const Vector rest_even = _mm512_sub_epi64(columns.even[v], _mm512_mul_epu32(from_even[v], limb));
+        const Vector rest_odd = _mm512_sub_epi64(columns.odd[v], _mm512_mul_epu32(from_odd, limb));
+        columns.even[v] = _mm512_add_epi64(rest_even, from_odd);
+        columns.odd[v] = _mm512_add_epi64(rest_odd, _mm512_alignr_epi64(from_even[v + 1], from_even[v], 1));
+    }
+}
+
+/* Carries on where limbs of base to base + 42 are left: about three products in a million. */
+QZOCI_AVX512 inline void ripple(Limb* limbs, int count) {
+    Limb carry = 0;
+    for (int i = count - 1; i >= 0; --i) {
+        limbs[i] += carry;
+        carry = limbs[i] >= base ? 1 : 0;
+        limbs[i] -= carry != 0 ? base : 0;
+    }
+}
+
+/* Turns column sums below 2^59 into limbs; what leaves the first column is dropped. */
+template <int Vectors>
+QZOCI_AVX512 inline void carry_through(Columns<Vectors>& columns, Vector (&packed)[Vectors]) {
+    carry_pass(columns);
+    carry_pass(columns);
+    __mmask16 excess = 0;
+    QZOCI_UNROLLED
+    for (int v = 0; v < Vectors; ++v) {
+        packed[v] = _mm512_or_si512(columns.even[v], _mm512_slli_epi64(columns.odd[v], 32));
+        excess |= _mm512_cmpge_epu32_mask(packed[v], all(base));
+    }
+    if (excess != 0) {
+        Limb limbs[Vectors * vector_limbs];
+        QZOCI_UNROLLED
+        for (int v = 0; v < Vectors; ++v) {
+            _mm512_storeu_si512(limbs + v * vector_limbs, packed[v]);
+        }
+        ripple(limbs, Vectors * vector_limbs);
+        QZOCI_UNROLLED
+        for (int v = 0; v < Vectors; ++v) {
+            packed[v] = _mm512_loadu_si512(limbs + v * vector_limbs);
+        }
+    }
+}
+
 } // namespace qzoci::limbs
 
 #endif /* QZOCI_LIMBS_AVX512_VECTORS_H */

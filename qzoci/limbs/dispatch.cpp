@@ -26,9 +26,9 @@ constexpr Kernels avx2_kernels = {sum_avx2,           difference_avx2,          
                                   remainder_portable, truncate_portable,         extent_portable,
                                   compare_portable,   unpack_portable,           pack_portable};
 constexpr Kernels avx512_kernels = {
-    sum_avx512,        difference_avx512,  product_avx512,  half_avx512,   quotient_by_limb_portable,
-    quotient_portable, remainder_portable, truncate_avx512, extent_avx512, compare_avx512,
-    unpack_avx512,     pack_avx512};
+    sum_avx512,      difference_avx512, product_avx512,  half_avx512,   quotient_by_limb_portable,
+    quotient_avx512, remainder_avx512,  truncate_avx512, extent_avx512, compare_avx512,
+    unpack_avx512,   pack_avx512};
 
 bool has_avx2() {
     __builtin_cpu_init();

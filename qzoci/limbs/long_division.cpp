@@ -37,9 +37,8 @@
  * divided by d. By Lemma 2 it is left in canonical limbs; under Lemma 4 it need not be.
  *
  * With n = 2 the digits are formed as they are laid down, see TwoLimbDivision. */
+#include "qzoci/limbs/long_division.h"
 #include "qzoci/limbs/portable.h"
-#include "qzoci/limbs/reciprocal.h"
-#include "qzoci/limbs/wide.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -50,26 +49,8 @@ namespace {
 using std::int64_t;
 using std::uint64_t;
 
-constexpr int64_t pair_base = int64_t{base} * base;
-
-/* Lemma 3's bound: the root of B. */
-constexpr Limb small_limb = 10000;
-
 /* A scaled dividend has a carry limb above its limbs, and zero limbs below them. */
 constexpr int scaled_limbs = limb_count + 1;
-
-/* Places of a quotient from limb 1 on, the limb below limb 39 that rounds it, and one more. */
-constexpr int max_digits = limb_count + 2;
-constexpr int max_pairs = max_digits / 2;
-
-/* Where the digits of a quotient stand: digit t at limb start + t; the last one, at limb 40, rounds. */
-struct Places {
-    Places(const Magnitude& dividend, const Magnitude& divisor)
-        : start(units_limb - (divisor.first - dividend.first)), digits(limb_count + 1 - start) {}
-
-    int start;
-    int digits;
-};
 
 /* scaled[0..count] = limbs[0..count-1] * factor, with the carry in scaled[0], all limbs canonical. False: the
  * plain scaling leaves a limb of exactly B that is not the leading one. */
@@ -99,170 +80,6 @@ bool scale(const Limb* limbs, int count, Limb factor, Limb* scaled) {
     return !exact_base;
 }
 
-/* Writes the digits to their places and rounds half-up at limb 39 as the plain steps do: a limb of 99999999
- * becomes 0 and carries. */
-void place(const Limb* digits, const Places& places, Limb* result, Extent& extent) {
-    Limb placed[limb_count] = {};
-    const int count = places.digits - 1;
-    std::copy(digits, digits + count, placed + places.start);
-    const bool rounds_up = digits[count] >= base / 2;
-    if (rounds_up) {
-        int i = limb_count - 1;
-        while (i > 0 && placed[i] == max_limb) {
-            placed[i--] = 0;
-        }
-        ++placed[i]; /* limb 0 holds no digit: the carry stops there at the latest */
-    }
-    std::copy(placed, placed + limb_count, result);
-    extent = extent_within(result, rounds_up ? 0 : places.start, limb_count - 1);
-}
-
-/* ---- Column division in base 10^16 ---- */
-
-/* The quotient digits of a division of pair columns. With D the dividend's pairs and W the divisor's (W_0 >=
- * 5 * 10^15), (D_0 + D_1 / 10^16 + ...) / (W_0 + W_1 / 10^16 + ...) = Q_0 / 10^16 + Q_1 / 10^32 + ... Each Q
- * is estimated from the exact remainder of the two leading columns with an error below 0.01, then rounded
- * down: it may be one off, and then the next one is slightly negative or above 10^16 and makes up for it. So
- * all Q stay below 1.1 * 10^16 in magnitude, all columns below 21 * 1.1 * 10^32 < 2^111, and the sum of the
- * series is exact. Carries are settled at the end. */
-class ColumnDivision {
-public:
-    /* scaled_dividend has its carry limb first. divisor_limbs >= 2. */
-    ColumnDivision(const Limb* scaled_dividend, int dividend_limbs, const Limb* scaled_divisor,
-                   int divisor_limbs)
-        : divisor_pairs_((divisor_limbs + 1) / 2) {
-        for (int i = 0; i < divisor_pairs_; ++i) {
-            divisor_[i] = pair(scaled_divisor, divisor_limbs, 2 * i);
-        }
-        dividend_pairs_ = (dividend_limbs + 1) / 2;
-        for (int i = 0; i < dividend_pairs_; ++i) {
-            columns_[i] = pair(scaled_dividend, dividend_limbs, 2 * i);
-        }
-    }
-
-    /* digits[0..2 * pairs - 1] = the true digits; next = an estimate, not off by more than 64, of the pair
-     * after them. */
-    void run(int pairs, Limb* digits, int64_t& next) {
-        divide(pairs, next);
-        settle(pairs, correction(pairs, next), digits);
-    }
-
-private:
-    static int64_t pair(const Limb* limbs, int count, int i) {
-        return int64_t{limbs[i]} * base + (i + 1 < count ? limbs[i + 1] : 0);
-    }
-
-    /* 2^115 / (W_0 + W_1 / 10^16), a few units off at most: the floating-point quotient is good to 2^-51, and
-     * one Newton step on the exact residue squares that. */
-    int64_t reciprocal() const {
-        constexpr double two_115 = 4.153837486827862e34;
-        const auto w0 = static_cast<double>(divisor_[0]);
-        const double w1 = (divisor_pairs_ > 1 ? static_cast<double>(divisor_[1]) : 0.0) / 1e16;
-        const auto rough = static_cast<int64_t>(two_115 / (w0 + w1));
-        const Wide residue =
-            Wide::product(int64_t{1} << 57, int64_t{1} << 58) - Wide::product(rough, divisor_[0]);
-        const double rest = static_cast<double>(residue.shifted(8)) * 256.0 - static_cast<double>(rough) * w1;
-        return rough + static_cast<int64_t>(rest / w0);
-    }
-
-    /* floor(column / 10^16), off by 2 at most. */
-    static int64_t over_pair_base(Wide column) {
-        constexpr int64_t reduced = 2076918743413931051; /* 2^114 / 10^16 */
-        return Wide::product(column.shifted(50), reduced).shifted(64);
-    }
-
-    void divide(int pairs, int64_t& next) {
-        const int64_t inverse = reciprocal();
-        const int last_column = pairs + 2;
-        remainder_ = columns_[0].low();
-        for (int k = 0;; ++k) {
-            const Wide leading = Wide::product(remainder_, pair_base) + columns_[k + 1];
-            const Wide estimated = leading + Wide(over_pair_base(columns_[k + 2]));
-            const int64_t q = Wide::product(estimated.shifted(44), inverse).shifted(71);
-            if (k == pairs) {
-                next = q;
-                return;
-            }
-            quotient_[k] = q;
-            remainder_ = (leading - Wide::product(q, divisor_[0])).low();
-            const int count = std::min(divisor_pairs_, last_column - k);
-            for (int i = 1; i < count; ++i) {
-                columns_[k + 1 + i] = columns_[k + 1 + i] - Wide::product(q, divisor_[i]);
-            }
-        }
-    }
-
-    /* What is to be added to the last pair: -1, 0 or 1. */
-    int correction(int pairs, int64_t next) const {
-        constexpr int64_t doubt = 64;
-        if (next > doubt && next < pair_base - doubt) {
-            return 0;
-        }
-        if (next < pair_base / 2) {
-            return next < -doubt || remainder_is_negative(pairs, 0) ? -1 : 0;
-        }
-        return next > pair_base + doubt || !remainder_is_negative(pairs, 1) ? 1 : 0;
-    }
-
-    /* The exact column j >= pairs + 1 after all pairs, less the divisor's pair there when less_divisor is 1.
-     */
-    Wide exact_column(int j, int pairs, int less_divisor) const {
-        Wide column = columns_[j];
-        if (j > pairs + 2) {
-            for (int k = std::max(0, j - divisor_pairs_); k < pairs; ++k) {
-                column = column - Wide::product(quotient_[k], divisor_[j - 1 - k]);
-            }
-        }
-        const int i = j - pairs;
-        return less_divisor != 0 && i < divisor_pairs_ ? column - Wide(divisor_[i]) : column;
-    }
-
-    /* The sign of what is left after all pairs, less the divisor when less_divisor is 1; from the top, until
-     * what follows can no longer turn it. All columns after one are worth less than 2^58 of its units. */
-    bool remainder_is_negative(int pairs, int less_divisor) const {
-        int64_t left = remainder_ - (less_divisor != 0 ? divisor_[0] : 0);
-        const int end = std::max(dividend_pairs_, pairs + divisor_pairs_);
-        for (int j = pairs + 1; j < end; ++j) {
-            if (left >= decided || left <= -decided) {
-                break;
-            }
-            const Wide total = Wide::product(left, pair_base) + exact_column(j, pairs, less_divisor);
-            const int64_t upper = total.shifted(60);
-            if (upper != 0 && upper != -1) {
-                return upper < 0;
-            }
-            left = total.low();
-        }
-        return left < 0;
-    }
-
-    void settle(int pairs, int carry, Limb* digits) const {
-        for (int k = pairs - 1; k >= 0; --k) {
-            int64_t q = quotient_[k] + carry;
-            carry = 0;
-            if (q < 0) {
-                q += pair_base;
-                carry = -1;
-            } else if (q >= pair_base) {
-                q -= pair_base;
-                carry = 1;
-            }
-            digits[2 * k] = static_cast<Limb>(q / base);
-            digits[2 * k + 1] = static_cast<Limb>(q % base);
-        }
-    }
-
-    static constexpr int64_t decided = int64_t{1} << 60;
-    static constexpr int max_columns = max_pairs + (limb_count + 1) / 2 + 3;
-
-    int divisor_pairs_;
-    int dividend_pairs_ = 0;
-    int64_t remainder_ = 0;
-    int64_t divisor_[(limb_count + 1) / 2] = {};
-    int64_t quotient_[max_pairs] = {};
-    Wide columns_[max_columns];
-};
-
 /* Lemma 3: no digit or digit + 1 can have made a product limb of B, the lowest aside. */
 bool products_are_clean(const Limb* digits, int count, const Limb* scaled_divisor, int divisor_limbs) {
     const Limb* const divisor_end = scaled_divisor + divisor_limbs - 1;
@@ -287,61 +104,7 @@ bool products_are_clean(const Limb* digits, int count, const Limb* scaled_diviso
     return true;
 }
 
-/* Lemma 4's condition. digits[1..count-1] are used after the leading one; after is an estimate of the pair of
- * digits after the computed ones, of which extra says how many lie beyond count. */
-bool digits_stay_inside(const Limb* digits, int count, int extra, int64_t after) {
-    const auto inside = [](int64_t digit) { return digit >= 5 && digit <= base - 3; };
-    const auto clearly_inside = [](int64_t pair) {
-        return pair >= int64_t{6} * base && pair < pair_base - int64_t{4} * base;
-    };
-    return std::all_of(digits + 1, digits + count + extra, inside) && (extra != 0 || clearly_inside(after));
-}
-
 /* ---- Divisors of two limbs ---- */
-
-/* The digits as they are laid down. A window (w_2, w_1, w_0) has h = w_2 * B + w_1; the trial digit is
- * floor(h / v'_0), or B - 1 where w_2 = v'_0; the window loses its product with v' = v'_0 * B + v'_1, and gets
- * v' back once where that went below zero, all modulo B^3. The next window begins with its two lower limbs,
- * the next h. The unrefined trial digit can be two or more too large; then h is not the true rest but
- * canonical all the same, and the next trial digit can exceed B, up to 2 B.
- *
- * The steps on limbs are these steps on values where every limb is canonical. With trial digit t, the lower
- * product limb may be B: it meets no borrow and only borrows. The middle one, t * v'_0 + c, is B only for t =
- * 2 and v'_0 = B / 2, for c = 0 at t = 1 and v'_0 >= B / 2: the kernels decline this divisor. The upper one
- * is at most B + 1 and takes part in the sign alone, which is right. A limb of B in u' that is its leading one
- * does no harm: t = 1 leaves B - v'_0 and no borrow. */
-class TwoLimbDivision {
-public:
-    TwoLimbDivision(Limb upper, Limb lower, std::uint64_t first_h)
-        : reciprocal_(upper), upper_(uint64_t{upper} * base), divisor_(upper_ + lower), h_(first_h) {}
-
-    /* The next digit, at most 2 B; next is the limb that the window gets. */
-    Limb digit(Limb next) {
-        uint64_t trial = reciprocal_.quotient(h_);
-        if (h_ - upper_ < base) {
-            trial = max_limb;
-        }
-        /* Below 3 B^2 in magnitude, so that the terms may wrap. */
-        auto left = static_cast<int64_t>(h_ * base + next - trial * divisor_);
-        const int64_t below_zero = left < 0 ? -1 : 0;
-        left += below_zero & static_cast<int64_t>(divisor_);
-        if (left < 0 || left >= pair_base) {
-            left %= pair_base;
-            left += left < 0 ? pair_base : 0;
-        }
-        h_ = static_cast<uint64_t>(left);
-        return static_cast<Limb>(trial + static_cast<uint64_t>(below_zero));
-    }
-
-    /* The two lower limbs of the last window. */
-    uint64_t rest() const { return h_; }
-
-private:
-    Reciprocal reciprocal_;
-    uint64_t upper_;
-    uint64_t divisor_;
-    uint64_t h_;
-};
 
 /* Both operands multiplied by the normalising factor, the carry first, canonical. */
 struct Scaled {
@@ -381,6 +144,30 @@ TwoLimbDivision two_limb_division(const Scaled& scaled) {
             uint64_t{scaled.dividend[0]} * base + scaled.dividend_limb(1)};
 }
 
+/* ---- Longer divisors ---- */
+
+int pairs_of(const Limb* limbs, int count, int64_t (&columns)[max_columns]) {
+    const int pairs = (count + 1) / 2;
+    for (int i = 0; i < max_columns; ++i) {
+        const int64_t upper = 2 * i < count ? limbs[2 * i] : 0;
+        const int64_t lower = 2 * i + 1 < count ? limbs[2 * i + 1] : 0;
+        columns[i] = upper * base + lower;
+    }
+    return pairs;
+}
+
+/* digits[0..2 * pairs - 1] = the true digits; the result is an estimate of the next pair. */
+int64_t divide_columns(const Scaled& scaled, int pairs, Limb* digits) {
+    int64_t dividend[max_columns];
+    int64_t divisor[max_columns];
+    const int dividend_pairs = pairs_of(scaled.dividend, scaled.m + 1, dividend);
+    const int divisor_pairs = pairs_of(scaled.divisor(), scaled.n, divisor);
+    ColumnDivision division(dividend, dividend_pairs, divisor, divisor_pairs);
+    division.run(pairs);
+    division.settle(digits);
+    return division.next();
+}
+
 /* ---- Remainder ---- */
 
 /* result = u - q * v over v's limbs, and u's own limbs after them. digits[j] stands at limb u.first + j -
@@ -407,6 +194,27 @@ void subtract_product(const Magnitude& u, const Magnitude& v, const Limb* digits
 
 } // namespace
 
+void round_and_store(Limb (&placed)[max_places], int start, Limb* result, Extent& extent) {
+    const bool rounds_up = placed[limb_count] >= base / 2;
+    if (rounds_up) {
+        int i = limb_count - 1;
+        while (i > 0 && placed[i] == max_limb) {
+            placed[i--] = 0;
+        }
+        ++placed[i]; /* limb 0 holds no digit: the carry stops there at the latest */
+    }
+    std::copy(placed, placed + limb_count, result);
+    extent = extent_within(result, rounds_up ? 0 : start, limb_count - 1);
+}
+
+bool digits_stay_inside(const Limb* digits, int count, int extra, int64_t after) {
+    const auto inside = [](int64_t digit) { return digit >= 5 && digit <= base - 3; };
+    const auto clearly_inside = [](int64_t pair) {
+        return pair >= int64_t{6} * base && pair < pair_base - int64_t{4} * base;
+    };
+    return std::all_of(digits + 1, digits + count + extra, inside) && (extra != 0 || clearly_inside(after));
+}
+
 bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent) {
     const Places places(dividend, divisor);
     if (!is_canonical(dividend) || !is_canonical(divisor)) {
@@ -422,7 +230,8 @@ bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb
         return false;
     }
     const bool clean_dividend = scaled.scale_dividend(dividend, dividend.last);
-    Limb digits[max_digits];
+    Limb placed[max_places] = {};
+    Limb* const digits = placed + places.start;
     if (scaled.n == 2) {
         if (!clean_dividend || !is_regular_two_limb_divisor(scaled)) {
             return false;
@@ -431,19 +240,18 @@ bool quotient_portable(const Magnitude& dividend, const Magnitude& divisor, Limb
         for (int t = 0; t < places.digits; ++t) {
             digits[t] = division.digit(scaled.dividend_limb(t + 2));
         }
-        place(digits, places, result, extent);
+        round_and_store(placed, places.start, result, extent);
         return true;
     }
     const int pairs = (places.digits + 1) / 2;
-    int64_t after = 0;
-    ColumnDivision(scaled.dividend, scaled.m + 1, scaled.divisor(), scaled.n).run(pairs, digits, after);
+    const int64_t after = divide_columns(scaled, pairs, digits);
     if (!products_are_clean(digits, places.digits, scaled.divisor(), scaled.n)) {
         return false;
     }
     if (!clean_dividend && !digits_stay_inside(digits, places.digits, 2 * pairs - places.digits, after)) {
         return false;
     }
-    place(digits, places, result, extent);
+    round_and_store(placed, places.start, result, extent);
     return true;
 }
 
@@ -473,10 +281,8 @@ bool remainder_portable(const Magnitude& dividend, const Magnitude& divisor, Lim
         }
         std::copy(left, left + limb_count, result);
     } else {
-        Limb digits[max_digits];
-        int64_t after = 0;
-        ColumnDivision(scaled.dividend, scaled.m + 1, scaled.divisor(), scaled.n)
-            .run((count + 1) / 2, digits, after);
+        Limb digits[max_places];
+        divide_columns(scaled, (count + 1) / 2, digits);
         if (!products_are_clean(digits, count, scaled.divisor(), scaled.n)) {
             return false;
         }

@@ -17,22 +17,29 @@ public:
 
     static constexpr Wide product(std::int64_t a, std::int64_t b) { return Wide(Int128{a} * b); }
 
-    constexpr Wide operator+(Wide other) const { return Wide(value_ + other.value_); }
+    constexpr Wide operator+(Wide other) const { return wrapped(bits() + other.bits()); }
 
-    constexpr Wide operator-(Wide other) const { return Wide(value_ - other.value_); }
-
-    /* floor(*this / 2^bits); 0 < bits < 64. */
-    constexpr Wide operator>>(int bits) const { return Wide(value_ >> bits); }
+    constexpr Wide operator-(Wide other) const { return wrapped(bits() - other.bits()); }
 
     /* floor(*this / 2^bits) modulo 2^64; 0 < bits < 128. */
-    constexpr std::int64_t shifted(int bits) const { return static_cast<std::int64_t>(value_ >> bits); }
+    constexpr std::int64_t shifted(int bits) const {
+        if (bits >= 64) { /* in 64 bits, lest a later product take this for one of 128 */
+            return static_cast<std::int64_t>(value_ >> 64) >> (bits - 64);
+        }
+        return static_cast<std::int64_t>(value_ >> bits);
+    }
 
     constexpr std::int64_t low() const { return static_cast<std::int64_t>(value_); }
 
 private:
     __extension__ using Int128 = __int128;
+    __extension__ using UInt128 = unsigned __int128;
 
     constexpr explicit Wide(Int128 value) : value_(value) {}
+
+    static constexpr Wide wrapped(UInt128 bits) { return Wide(static_cast<Int128>(bits)); }
+
+    constexpr UInt128 bits() const { return static_cast<UInt128>(value_); }
 
     Int128 value_ = 0;
 };
@@ -75,10 +82,6 @@ public:
 
     constexpr Wide operator-(Wide other) const {
         return {high_ - other.high_ - (low_ < other.low_ ? 1 : 0), low_ - other.low_};
-    }
-
-    constexpr Wide operator>>(int bits) const {
-        return {bits_of(static_cast<std::int64_t>(high_) >> bits), high_ << (64 - bits) | low_ >> bits};
     }
 
     constexpr std::int64_t shifted(int bits) const {
