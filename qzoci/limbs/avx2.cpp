@@ -1,4 +1,5 @@
 #include "qzoci/limbs/avx2.h"
+#include "qzoci/limbs/limb_mask.h"
 #include "qzoci/limbs/x86.h"
 
 #if QZOCI_HAS_X86_KERNELS
@@ -16,7 +17,6 @@
 namespace qzoci::limbs {
 namespace {
 
-using std::uint64_t;
 using Vector = __m256i; /* 8 limbs, or 4 columns */
 
 constexpr int vector_limbs = 8;
@@ -93,37 +93,22 @@ QZOCI_AVX2 inline bool any_from(Vector limbs, Limb bound) {
     return _mm256_movemask_epi8(_mm256_cmpeq_epi32(larger(limbs, all(bound)), limbs)) != 0;
 }
 
-/* One bit a limb; the most significant limb is the highest bit, limb 39 the lowest. */
-using LimbMask = uint64_t;
-
-constexpr LimbMask bit(int limb) {
-    return LimbMask{1} << (limb_count - 1 - limb);
-}
-
-constexpr LimbMask bits(int first, int last) {
-    return 2 * bit(first) - bit(last);
-}
-
 /* From lanes that are all ones or all zeros. */
 QZOCI_AVX2 inline LimbMask mask_of(const Loaded& lanes) {
-    /* A byte a limb, in each half of the vector four of each part; then moved to their places, last first. */
-    const Vector bytes = _mm256_packs_epi16(_mm256_packs_epi32(lanes.part[0], lanes.part[1]),
-                                            _mm256_packs_epi32(lanes.part[2], lanes.part[3]));
-    const Vector swapped =
-        _mm256_shuffle_epi8(bytes, _mm256_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12, 3,
-                                                    2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12));
-    const Vector reversed = _mm256_permutevar8x32_epi32(swapped, _mm256_setr_epi32(7, 3, 6, 2, 5, 1, 4, 0));
-    const Vector last = _mm256_permutevar8x32_epi32(lanes.part[4], _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0));
-    const auto high = static_cast<std::uint32_t>(_mm256_movemask_epi8(reversed));
-    const auto low = static_cast<std::uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(last)));
-    return LimbMask{high} << vector_limbs | low;
+    LimbMask mask = 0;
+    QZOCI_UNROLLED
+    for (int part = 0; part < parts; ++part) {
+        const int part_mask = _mm256_movemask_ps(_mm256_castsi256_ps(lanes.part[part]));
+        mask |= static_cast<LimbMask>(part_mask) << (part * vector_limbs);
+    }
+    return mask;
 }
 
 /* All ones in the lanes of a part whose bits are set. */
 template <int Part>
 QZOCI_AVX2 inline Vector lanes_of(Vector broadcast_mask) {
-    const Vector byte = _mm256_shuffle_epi8(broadcast_mask, _mm256_set1_epi8(parts - 1 - Part));
-    const Vector lane_bits = _mm256_setr_epi32(128, 64, 32, 16, 8, 4, 2, 1);
+    const Vector byte = _mm256_shuffle_epi8(broadcast_mask, _mm256_set1_epi8(Part));
+    const Vector lane_bits = _mm256_setr_epi32(1, 2, 4, 8, 16, 32, 64, 128);
     return _mm256_cmpeq_epi32(_mm256_and_si256(byte, lane_bits), lane_bits);
 }
 
@@ -147,20 +132,14 @@ QZOCI_AVX2 inline Extent extent_of(const Loaded& a) {
     if (non_zero == 0) {
         return {-1, -1};
     }
-    return {std::countl_zero(non_zero) - (64 - limb_count), limb_count - 1 - std::countr_zero(non_zero)};
+    return {std::countr_zero(non_zero), 63 - std::countl_zero(non_zero)};
 }
 
 /* ---- Sum and difference ---- */
 
-/* The limbs that a carry enters, from those that make one and those that pass one on: the carry of an
- * addition of the masks runs through the bits of limbs that pass it on, and changes them and the one that it
- * ends in. */
-constexpr LimbMask carries_in(LimbMask makes, LimbMask passes) {
-    return (2 * makes + passes) ^ passes;
-}
-
-/* The same in lanes. Carries or borrows go up by one limb; only where one meets a limb that passes it on
- * (99999999 in a sum, 0 in a difference) the masks are formed. */
+/* The lanes that a carry or borrow enters, from those that make one and those that pass one on (99999999 in a
+ * sum, 0 in a difference). They go up by one limb; only where one meets a limb that passes it on the masks
+ * are formed. */
 QZOCI_AVX2 inline Loaded carries_in(const Loaded& makes, const Loaded& passes) {
     Loaded in;
     Vector passed = _mm256_setzero_si256();
@@ -172,7 +151,7 @@ QZOCI_AVX2 inline Loaded carries_in(const Loaded& makes, const Loaded& passes) {
         passed = _mm256_or_si256(passed, _mm256_and_si256(in.part[part], passes.part[part]));
     }
     if (_mm256_testz_si256(passed, passed) == 0) {
-        in = lanes_of(carries_in(mask_of(makes), mask_of(passes)));
+        in = lanes_of(carries_out(mask_of(makes), mask_of(passes)) >> 1);
     }
     return in;
 }

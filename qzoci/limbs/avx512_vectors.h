@@ -2,6 +2,7 @@
 #ifndef QZOCI_LIMBS_AVX512_VECTORS_H
 #define QZOCI_LIMBS_AVX512_VECTORS_H
 
+#include "qzoci/limbs/limb_mask.h"
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/x86.h"
 
@@ -30,17 +31,6 @@ inline constexpr int vector_limbs = 16;
 struct Loaded {
     Vector part[3];
 };
-
-/* One bit a limb. */
-using LimbMask = std::uint64_t;
-
-constexpr LimbMask bit(int limb) {
-    return LimbMask{1} << limb;
-}
-
-constexpr LimbMask bits(int first, int last) {
-    return bit(last + 1) - bit(first);
-}
 
 constexpr __mmask16 part_of(LimbMask mask, int part) {
     return static_cast<__mmask16>(mask >> (part * vector_limbs));
