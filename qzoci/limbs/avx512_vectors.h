@@ -127,19 +127,6 @@ QZOCI_AVX512 inline Loaded from_column(const Loaded& a, int first) {
     return moved;
 }
 
-/* The limbs that a carry or borrow leaves, from those that make one and those that pass one on (limbs of
- * 99999999 in a sum, equal limbs in a difference): C_i = makes_i | (passes_i & C_(i+1)), by doubling. */
-inline LimbMask carries_out(LimbMask makes, LimbMask passes) {
-    if ((passes & makes >> 1) == 0) {
-        return makes;
-    }
-    for (int distance = 1; distance < limb_count; distance *= 2) {
-        makes |= passes & makes >> distance;
-        passes &= passes >> distance;
-    }
-    return makes;
-}
-
 /* Sums of columns first, first + 2, ... in even and first + 1, first + 3, ... in odd, eight a vector. */
 template <int Vectors>
 struct Columns {
