@@ -42,30 +42,48 @@ constexpr uint64_t shifted_down(uint64_t word, uint64_t above, int shift) {
     return word >> shift | (above << 1) << (63 - shift);
 }
 
+/* The 1..8 bytes, of at least eight, that end at end, zeros after them; none of them for 0. */
+uint64_t last_bytes(const uint8_t* end, int count) {
+    return word_at(end - word_bytes, places) >> 1 >> (63 - 8 * count);
+}
+
 /* Exactly count <= 20 bytes, zeros after them. A last word of fewer than eight is read from its end. */
 void load_bytes(const uint8_t* bytes, int count, Words& words) {
     words[0] = words[1] = words[2] = 0;
-    if (count < word_bytes) {
+    if (count >= 2 * word_bytes) {
+        words[0] = word_at(bytes, places);
+        words[1] = word_at(bytes + word_bytes, places);
+        words[2] = last_bytes(bytes + count, count - 2 * word_bytes);
+    } else if (count >= word_bytes) {
+        words[0] = word_at(bytes, places);
+        words[1] = last_bytes(bytes + count, count - word_bytes);
+    } else {
         for (int i = 0; i < count; ++i) {
             words[0] |= uint64_t{bytes[i]} << (8 * i);
         }
-        return;
     }
-    int whole = 0;
-    for (; (whole + 1) * word_bytes <= count; ++whole) {
-        words[whole] = word_at(bytes + whole * word_bytes, places);
-    }
-    const int missing = (whole + 1) * word_bytes - count; /* 1..8 */
-    words[whole] = (word_at(bytes + count - word_bytes, places) >> 8) >> (8 * (missing - 1));
 }
 
 void store_bytes(const Words& words, int count, uint8_t* bytes) {
-    int i = 0;
-    for (; i + word_bytes <= count; i += word_bytes) {
-        put_word(words[i / word_bytes], bytes + i, places);
+    for (const uint64_t word : words) {
+        if (count < word_bytes) {
+            for (int i = 0; i < count; ++i) {
+                bytes[i] = static_cast<uint8_t>(word >> (8 * i));
+            }
+            return;
+        }
+        put_word(word, bytes, places);
+        bytes += word_bytes;
+        count -= word_bytes;
     }
-    for (; i < count; ++i) {
-        bytes[i] = static_cast<uint8_t>(words[i / word_bytes] >> (8 * (i % word_bytes)));
+}
+
+/* The words with what is given for one of their bytes added, an index at a time, as an array that is indexed by
+ * a variable stays in memory. */
+void add_at(Words& words, int index, uint64_t byte) {
+    for (int i = 0; i < word_count; ++i) {
+        const uint64_t shifted = byte << (8 * (index % word_bytes));
+        words[i] += index / word_bytes == i ? shifted : 0;
     }
 }
 
@@ -120,13 +138,15 @@ uint64_t split_limb(Limb limb) {
 
 /* The 24 pairs of the first six limbs. False: a limb above 99999999. */
 bool split_limbs(const Magnitude& a, Words& pairs) {
-    const int count = std::min(a.last - a.first + 1, stored_limbs);
     Limb largest = 0;
-    pairs[0] = pairs[1] = pairs[2] = 0;
-    for (int i = 0; i < count; ++i) {
-        const Limb limb = a.limbs[a.first + i];
+    const auto pairs_of = [&](int i) {
+        const Limb limb = a.first + i <= a.last ? a.limbs[a.first + i] : 0;
         largest = std::max(largest, limb);
-        pairs[i / 2] |= split_limb(limb) << (32 * (i % 2));
+        return split_limb(limb);
+    };
+    for (int i = 0; i < word_count; ++i) {
+        const uint64_t upper = pairs_of(2 * i);
+        pairs[i] = upper | pairs_of(2 * i + 1) << 32;
     }
     return largest < base;
 }
@@ -191,18 +211,17 @@ bool pack_portable(const Magnitude& a, bool complemented, uint8_t* bytes, Packed
         if (last < 0) {
             return false;
         }
-        pairs[last / word_bytes] += uint64_t{1} << (8 * (last % word_bytes));
+        add_at(pairs, last, 1);
     } else if (!complemented || (cut == 0 && a.last - a.first < stored_limbs)) {
         last = last_byte(pairs);
     }
-    for (uint64_t& word : pairs) {
-        word = complemented ? every(101) - word : word + every(1);
-    }
     int length = last + 1;
+    for (int i = 0; i < word_count; ++i) {
+        const uint64_t written = pairs[i] & counted_bytes(length, i);
+        pairs[i] = complemented ? every(101) - written : written + every(1);
+    }
     if (complemented && length < stored_pairs) {
-        uint64_t& word = pairs[length / word_bytes];
-        const int place = 8 * (length % word_bytes);
-        word = (word & ~(uint64_t{255} << place)) | uint64_t{terminator_byte} << place;
+        add_at(pairs, length, terminator_byte - 101); /* the byte of a zero pair stands there */
         ++length;
     }
     store_bytes(pairs, length, bytes);
