@@ -12,10 +12,6 @@ namespace {
 constexpr ub4 half_limb = limb_base / 2;
 constexpr ub4 max_limb = limb_base - 1;
 
-bool has_sign(const QZCICalcNumber& num) {
-    return num.num_signed == 1 || num.num_signed == -1;
-}
-
 bool has_walkable_limbs(const QZCICalcNumber& num) {
     return is_walkable(num.start_pos, num.end_pos);
 }
@@ -350,10 +346,16 @@ bool accumulate(ub4* tmp_data_part, int t, ub4 limb1, ub4 limb2) {
     return true;
 }
 
+/* True when the record has the limbs that a count of positions from end_pos upward promises. The count is that
+ * of a signed byte, which wraps to a positive one for positions such as 127 and -128. */
+bool has_limbs_above_last(const QZCICalcNumber& num, int count) {
+    return num.end_pos < limb_count && num.end_pos - count >= -1;
+}
+
 /* The raw product of the significant limbs. False: a malformed operand. */
 bool multiply_limbs(Trace t, const QZCICalcNumber* mul1, int len2, const QZCICalcNumber* mul2, int len1,
                     ub4* tmp_data_part) {
-    if (len1 > 0 && len2 > 0 && (!has_walkable_limbs(*mul1) || !has_walkable_limbs(*mul2))) {
+    if (len1 > 0 && len2 > 0 && (!has_limbs_above_last(*mul1, len2) || !has_limbs_above_last(*mul2, len1))) {
         return false;
     }
     for (int i = 0; i < len2; ++i) {

@@ -1,6 +1,7 @@
 #include "qzoci/oci_calc_number_elementary.h"
 
 #include "qzoci/limbs/exact_root.h"
+#include "qzoci/limbs/series.h"
 #include "qzoci/limbs/square_root.h"
 
 #include <algorithm>
@@ -37,6 +38,13 @@ QZCICalcNumber pi_half_with_sign(sb1 sign) {
 
 /* ---- Series ---- */
 
+/* What a series does with the sign that a term has from the division. */
+enum class TermSign {
+    kept,
+    by_index,       /* minus at odd indices, plus at even ones */
+    turned_at_even, /* the opposite at even indices */
+};
+
 /* A series that adds up terms until one has become zero. Each pass, with the index n counting up:
  *     power = power * factor;  term = power / divisor(n);  set_sign(n, term);  sum = sum + term
  * power and term may be one record. */
@@ -47,7 +55,7 @@ struct Series {
     QZCICalcNumber& sum;
     sb8 first_index;
     sb8 (*divisor)(sb8 index);
-    void (*set_sign)(sb8 index, QZCICalcNumber& term);
+    TermSign sign;
     const char* product_error;
     const char* quotient_error;
     const char* sum_error;
@@ -56,7 +64,13 @@ struct Series {
 /* No series of a well-formed argument has 300 terms; one that runs this long makes no progress. */
 constexpr int max_series_passes = 4096;
 
-void keep_sign(sb8, QZCICalcNumber&) {}
+void set_sign(TermSign rule, sb8 index, QZCICalcNumber& term) {
+    if (rule == TermSign::by_index) {
+        term.num_signed = index % 2 != 0 ? -1 : 1;
+    } else if (rule == TermSign::turned_at_even && index % 2 == 0) {
+        term.num_signed = static_cast<sb1>(-term.num_signed);
+    }
+}
 
 sword series_pass(Trace t, const Series& s, sb8 index) {
     const sb8 divisor = s.divisor(index);
@@ -65,16 +79,58 @@ sword series_pass(Trace t, const Series& s, sb8 index) {
         const QZCICalcNumber divor = integer(divisor);
         QZOCI_FORWARD(div(t, &s.power, &divor, &s.term), "%s", s.quotient_error);
     }
-    s.set_sign(index, s.term);
+    set_sign(s.sign, index, s.term);
     QZOCI_FORWARD(add(t, &s.sum, &s.term, &s.sum), "%s", s.sum_error);
     return OCI_SUCCESS;
 }
 
 enum class OnFailure { leave, repeat_index };
 
+bool term_is_negative_at_odd(sb8 index, bool) {
+    return index % 2 != 0;
+}
+
+bool term_is_turned_at_even(sb8 index, bool negative) {
+    return negative != (index % 2 == 0);
+}
+
+bool term_keeps_sign(sb8, bool negative) {
+    return negative;
+}
+
+/* The same signs as a kernel takes them. */
+auto sign_function(TermSign rule) {
+    return rule == TermSign::by_index         ? term_is_negative_at_odd
+           : rule == TermSign::turned_at_even ? term_is_turned_at_even
+                                              : term_keeps_sign;
+}
+
+bool try_series(Trace t, const Series& s) {
+    if (!is_ordinary(s.power) || !is_ordinary(s.factor) || !is_ordinary(s.sum) || !has_sign(s.power) ||
+        !has_sign(s.factor) || !has_sign(s.sum)) {
+        return false;
+    }
+    const auto signed_magnitude = [](const QZCICalcNumber& num) {
+        return limbs::SignedMagnitude{magnitude(num), num.num_signed == -1};
+    };
+    const limbs::SeriesRule rule = {s.first_index, s.divisor, sign_function(s.sign), &s.power == &s.term};
+    limbs::Extent extent = {-1, -1};
+    bool negative = false;
+    if (!t.counted(Stretch::series,
+                   limbs::sum_series(rule, signed_magnitude(s.power), signed_magnitude(s.factor),
+                                     signed_magnitude(s.sum), s.sum.data_part, extent, negative))) {
+        return false;
+    }
+    set_fields(s.sum, extent, negative ? -1 : 1);
+    return true;
+}
+
 /* Runs the series to its end. A failed pass ends it, or is made again at the same index with the records as
  * the failure left them. */
 sword sum_series(Trace t, const Series& s, OnFailure on_failure) {
+    if (t.fast && s.term.is_zero == 0 && try_series(t, s)) {
+        return OCI_SUCCESS;
+    }
     sb8 index = s.first_index;
     for (int passes = 0; s.term.is_zero == 0; ++passes) {
         if (passes == max_series_passes) {
@@ -284,10 +340,6 @@ sb8 sine_divisor(sb8 index) {
     return 2 * index * (2 * index + 1);
 }
 
-void impose_sine_sign(sb8 index, QZCICalcNumber& term) {
-    term.num_signed = index % 2 != 0 ? -1 : 1;
-}
-
 /* The sine of a finite, non-zero record: reduced modulo 2 pi, folded into [0, pi], summed. */
 sword sine(Trace t, const QZCICalcNumber* number, QZCICalcNumber& var) {
     QZCICalcNumber pi;
@@ -316,7 +368,7 @@ sword sine(Trace t, const QZCICalcNumber* number, QZCICalcNumber& var) {
                            var,
                            1,
                            sine_divisor,
-                           impose_sine_sign,
+                           TermSign::by_index,
                            "QZCICalcNumSin error in Mul",
                            "QZCICalcNumSin error in Div",
                            "QZCICalcNumSin error in Add"};
@@ -436,12 +488,6 @@ sword reduce_angle(Trace t, const QZCICalcNumber* number, QZCICalcNumber& copy_n
     return OCI_SUCCESS;
 }
 
-void turn_even_terms(sb8 index, QZCICalcNumber& term) {
-    if (index % 2 == 0) {
-        term.num_signed = static_cast<sb1>(-term.num_signed);
-    }
-}
-
 /* cresult = cresult + arctan z, |z| <= 0.5. A failure before the series leaves it with what was added so far;
  * one in the series repeats the pass. */
 sword add_arctangent_series(Trace t, const QZCICalcNumber& z, QZCICalcNumber& cresult) {
@@ -452,8 +498,9 @@ sword add_arctangent_series(Trace t, const QZCICalcNumber& z, QZCICalcNumber& cr
     QZOCI_FORWARD(assign(t, &z, &iteration_result), "%s", atan_assign_error);
     QZOCI_FORWARD(assign(t, &z, &factor), "%s", atan_assign_error);
     QZOCI_FORWARD(add(t, &cresult, &iteration_result, &cresult), "%s", atan_add_error);
-    const Series series = {factor,      doublex,         iteration_result, cresult,        2,
-                           odd_divisor, turn_even_terms, atan_mul_error,   atan_div_error, atan_add_error};
+    const Series series = {
+        factor,         doublex,        iteration_result, cresult, 2, odd_divisor, TermSign::turned_at_even,
+        atan_mul_error, atan_div_error, atan_add_error};
     return sum_series(t, series, OnFailure::repeat_index);
 }
 
@@ -558,7 +605,7 @@ sword exponential_series(Trace t, const QZCICalcNumber& new_exponent, QZCICalcNu
                            cresult,
                            1,
                            factorial_divisor,
-                           keep_sign,
+                           TermSign::kept,
                            "QZCICalcNumExp: QZCICalcNumDiv error",
                            "QZCICalcNumExp: QZCICalcNumDiv error",
                            "QZCICalcNumExp: QZCICalcNumAdd error"};
@@ -705,7 +752,7 @@ sword logarithm_series(Trace t, const QZCICalcNumber& reduced_arg, QZCICalcNumbe
                            cresult,
                            2,
                            odd_divisor,
-                           keep_sign,
+                           TermSign::kept,
                            "QZCICalcNumLn call QZCICalcNumMul error",
                            "QZCICalcNumLn call QZCICalcNumDiv error",
                            "QZCICalcNumLn call QZCICalcNumAdd error"};

@@ -40,6 +40,12 @@ constexpr sb1 sign_product(const QZCICalcNumber& a, const QZCICalcNumber& b) {
     return static_cast<sb1>(a.num_signed * b.num_signed);
 }
 
+inline bool has_sign(const QZCICalcNumber& num) {
+    return num.num_signed == 1 || num.num_signed == -1;
+}
+
+/* ---- For the fast side ---- */
+
 /* True for a finite, non-zero record whose positions a kernel may read between; the kernel itself tests the
  * limbs. */
 inline bool is_ordinary(const QZCICalcNumber& num) {

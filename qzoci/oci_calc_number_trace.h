@@ -18,12 +18,13 @@ enum class Stretch {
     quotient_by_limb,
     quotient,
     remainder,
+    series,
     root,
     truncation,
     unpacking,
     packing
 };
-inline constexpr int stretch_count = 11;
+inline constexpr int stretch_count = 12;
 
 /* Counts how often fast kernels were tried and declined. The engine only adds to it; a test hands it in. */
 struct Tally {

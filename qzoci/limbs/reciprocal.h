@@ -1,4 +1,4 @@
-/* Repeated division by one limb as a multiplication. */
+/* Division by one limb. */
 #ifndef QZOCI_LIMBS_RECIPROCAL_H
 #define QZOCI_LIMBS_RECIPROCAL_H
 
@@ -10,23 +10,27 @@
 
 namespace qzoci::limbs {
 
-/* floor(v / d) = high_product(v, M) >> l for v < 2^55, where l = floor(log2 d) and M = ceil(2^(64 + l) / d):
- * with e = M * d - 2^(64 + l) < d < 2^(l + 1), v * M / 2^(64 + l) exceeds v / d by v * e / (d * 2^(64 + l)) <
- * 1 / d, too little to reach the next integer. A power of two, whose M would not fit, takes 2^63 and one
- * shift less. Precondition: 2 <= divisor < base. */
+/* floor(v / d) for v < 2^62. With l = floor(log2(d - 1)), so that 2^l < d <= 2^(l + 1), and M the integer for
+ * which e = M * d - 2^(63 + l) is 0..d, v * M / 2^(63 + l) exceeds v / d by v * e / (d * 2^(63 + l)) < 1 / d, too
+ * little to reach the next integer. M is below 2^63; twice that goes into the product.
+ *
+ * The first M is the floating-point quotient, whose error stays below 2^13 in any rounding mode; its exact e,
+ * below 2^40, tells by how much to correct it, where an e near a multiple of d may go either way.
+ * Precondition: 2 <= divisor < base. */
 struct Reciprocal {
     explicit Reciprocal(Limb divisor) {
-        const int l = static_cast<int>(std::bit_width(divisor)) - 1;
-        if (std::has_single_bit(divisor)) {
-            multiplier = std::uint64_t{1} << 63;
-            shift = l - 1;
-            return;
-        }
-        /* ceil(2^(64 + l) / divisor) from two 64-bit divisions: 2^(64 + l) = 2^32 * 2^(32 + l). */
-        const std::uint64_t upper = (std::uint64_t{1} << (32 + l)) / divisor;
-        const std::uint64_t rest = (std::uint64_t{1} << (32 + l)) % divisor;
-        multiplier = (upper << 32) + (rest << 32) / divisor + 1;
-        shift = l;
+        const double inverse = 1.0 / divisor;
+        shift = static_cast<int>(std::bit_width(divisor - 1)) - 1;
+        const auto power = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 63 + shift) << 52);
+        const auto rough = static_cast<std::int64_t>(power * inverse);
+        const std::uint64_t power_modulo_word = shift == 0 ? std::uint64_t{1} << 63 : 0;
+        const auto e =
+            static_cast<std::int64_t>(static_cast<std::uint64_t>(rough) * divisor - power_modulo_word);
+        constexpr std::int64_t positive = 1 << 14;
+        const auto excess =
+            static_cast<std::int64_t>(static_cast<double>(e) * inverse + static_cast<double>(positive)) -
+            positive;
+        multiplier = 2 * static_cast<std::uint64_t>(rough - excess);
     }
 
     std::uint64_t quotient(std::uint64_t v) const { return high_product(v, multiplier) >> shift; }

@@ -21,6 +21,9 @@ public:
 
     constexpr Wide operator-(Wide other) const { return wrapped(bits() - other.bits()); }
 
+    /* floor(*this / 2^bits); 0 < bits < 64. */
+    constexpr Wide operator>>(int bits) const { return Wide(value_ >> bits); }
+
     /* floor(*this / 2^bits) modulo 2^64; 0 < bits < 128. */
     constexpr std::int64_t shifted(int bits) const {
         if (bits >= 64) { /* in 64 bits, lest a later product take this for one of 128 */
@@ -82,6 +85,10 @@ public:
 
     constexpr Wide operator-(Wide other) const {
         return {high_ - other.high_ - (low_ < other.low_ ? 1 : 0), low_ - other.low_};
+    }
+
+    constexpr Wide operator>>(int bits) const {
+        return {bits_of(static_cast<std::int64_t>(high_) >> bits), high_ << (64 - bits) | low_ >> bits};
     }
 
     constexpr std::int64_t shifted(int bits) const {

@@ -26,6 +26,7 @@ using FastProduct = Levels;
 using FastQuotientByLimb = Levels;
 using FastQuotient = Levels;
 using FastRemainder = Levels;
+using FastSeries = Levels;
 using FastRoot = Levels;
 using FastTruncation = Levels;
 using FastUnpacking = Levels;
@@ -468,6 +469,28 @@ TEST_P(FastPacking, RoundsByThePairAfterTheTwentieth) {
     }
 }
 
+template <sword (*function)(Trace, const QZCICalcNumber*, QZCICalcNumber*)>
+Taken taken_for_series(const char* argument) {
+    const auto call = [](Trace t, const QZCICalcNumber* a, const QZCICalcNumber*, QZCICalcNumber* result) {
+        return function(t, a, result);
+    };
+    return taken(call, Stretch::series, decimal(argument), decimal(argument));
+}
+
+TEST_P(FastSeries, SumsTheFunctions) {
+    EXPECT_EQ(taken_for_series<engine::sin>("1.25"), Taken::finished);
+    EXPECT_EQ(taken_for_series<engine::sin>("-1e-80"), Taken::finished);
+    EXPECT_EQ(taken_for_series<engine::exp>("-300.5"), Taken::finished);
+    EXPECT_EQ(taken_for_series<engine::atan>("-0.3"), Taken::finished);
+    EXPECT_EQ(taken_for_series<engine::ln>("2"), Taken::finished);
+}
+
+/* 0.03 / 2.03 has limbs above 99999999. */
+TEST_P(FastSeries, DeclinesLimbsAbove99999999) {
+    EXPECT_EQ(taken_for_series<engine::ln>("1.03"), Taken::declined);
+    EXPECT_EQ(taken_for_series<engine::ln>("1.05"), Taken::finished);
+}
+
 TEST_P(FastRoot, JumpsToAnIsolatedRoot) {
     EXPECT_EQ(taken_for_root(decimal("3")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("7.00000000000000000000000001")), Taken::finished);
@@ -516,6 +539,7 @@ INSTANTIATE_TEST_SUITE_P(Kernels, FastRemainder, testing::ValuesIn(all_levels), 
 INSTANTIATE_TEST_SUITE_P(Kernels, FastTruncation, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastUnpacking, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastPacking, testing::ValuesIn(all_levels), level_name);
+INSTANTIATE_TEST_SUITE_P(Kernels, FastSeries, testing::ValuesIn(all_levels), level_name);
 INSTANTIATE_TEST_SUITE_P(Kernels, FastRoot, testing::ValuesIn(all_levels), level_name);
 
 } // namespace

@@ -224,6 +224,24 @@ TEST_P(Levels, NormaliseByTheOutermostLimbs) {
     }
 }
 
+/* Arguments of usual size, whose series have their full length. */
+TEST_P(Levels, GiveThePlainFunctionsNearTheUnit) {
+    constexpr int numbers = 25;
+    RandomRecords records(700 + static_cast<ub8>(GetParam()));
+    const std::array functions = {"QZCICalcNumSin", "QZCICalcNumCos", "QZCICalcNumTan", "QZCICalcNumAtan",
+                                  "QZCICalcNumExp", "QZCICalcNumLn",  "QZCICalcNumTanh"};
+    for (int i = 0; i < numbers; ++i) {
+        QZCICalcNumber a = records.any();
+        std::fill(a.data_part, a.data_part + 19, 0U);
+        a.data_part[19] %= 20;
+        a.data_part[20] = static_cast<ub4>(records.below(100000000));
+        QZCICalcNumInit(&a);
+        for (const char* name : functions) {
+            ASSERT_TRUE(agrees(operation(name), a, a)) << "number " << i;
+        }
+    }
+}
+
 /* Halving has no operation of its own: it is the root's product by 0.5. */
 TEST_P(Levels, HalveAsTheProductByOneHalf) {
     RandomRecords records(300 + static_cast<ub8>(GetParam()));

@@ -40,6 +40,9 @@ TEST(Wide, AgreesWithTheCompiler) {
         ASSERT_EQ(wide_x.shifted(bits), shifted(x, bits)) << a << ' ' << c << ' ' << bits;
         ASSERT_EQ((wide_x + wide_y).shifted(bits), shifted(x + y, bits)) << a << ' ' << b << ' ' << bits;
         ASSERT_EQ((wide_x - wide_y).shifted(bits), shifted(x - y, bits)) << a << ' ' << b << ' ' << bits;
+        const int few_bits = 1 + bits % 63;
+        ASSERT_EQ((wide_x >> few_bits).low(), shifted(x, few_bits)) << a << ' ' << c << ' ' << few_bits;
+        ASSERT_EQ((wide_x >> few_bits).shifted(64), shifted(x >> few_bits, 64)) << a << ' ' << c;
         ASSERT_EQ((Wide(a) + Wide(b)).shifted(bits), shifted(Int128{a} + b, bits));
     }
 }
