@@ -2,77 +2,29 @@
  * lines of the plain steps. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/oci_calc_number_elementary.h"
+#include "tests/limbs/effect.h"
 #include "tests/limbs/levels.h"
 #include "tests/limbs/random_records.h"
-#include "tests/support/log_capture.h"
-#include "tests/support/operations.h"
-#include "tests/support/records.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace qzoci::test {
 namespace {
 
 constexpr engine::Trace plain = {false, false};
 
-struct Effect {
-    sb8 status;
-    QZCICalcNumber result;
-    OCINumber stored; /* the packed number, all of whose 22 bytes are compared */
-    std::vector<std::string> lines;
-};
-
-OCINumber poison_stored() {
-    OCINumber stored;
-    std::fill(std::begin(stored.OCINumberPart), std::end(stored.OCINumberPart), ub1{0xA5});
-    return stored;
-}
-
-/* Operands that the operation's form does not name are not looked at; in place, a is the operand. */
-Effect effect_of(const Operation& operation, Side side, const QZCICalcNumber& a, const QZCICalcNumber& b,
-                 const OCINumber& stored) {
-    Effect effect = {0, operation.form == Form::in_place ? a : poison_record(), poison_stored(), {}};
-    Arguments arguments;
-    arguments.first = &a;
-    arguments.second = &b;
-    arguments.stored_operand = &stored;
-    arguments.result = &effect.result;
-    arguments.stored_result = &effect.stored;
-    LogCapture capture(PointerNames({{&a, 'A'}, {&b, 'B'}, {&effect.result, 'R'}}));
-    effect.status = operation.call(side, arguments);
-    effect.lines = rendered(without_debug(capture.lines()));
-    return effect;
-}
-
-testing::AssertionResult agrees(const Operation& operation, const QZCICalcNumber& a, const QZCICalcNumber& b,
+testing::AssertionResult agrees(const Operation& o, const QZCICalcNumber& a, const QZCICalcNumber& b,
                                 const OCINumber& stored = poison_stored()) {
-    const Effect expected = effect_of(operation, Side::plain, a, b, stored);
-    const Effect actual = effect_of(operation, Side::fast, a, b, stored);
-    if (expected.status == actual.status && expected.result == actual.result &&
-        expected.stored == actual.stored && expected.lines == actual.lines) {
+    const Operands operands = {a, b, stored};
+    const Effect expected = effect_of(o, Side::plain, operands);
+    const Effect actual = effect_of(o, Side::fast, operands);
+    if (expected == actual) {
         return testing::AssertionSuccess();
     }
-    const auto text = [](const Effect& effect) {
-        return std::to_string(effect.status) + ' ' + fields_text(effect.result) + ' ' +
-               hex_text(effect.stored);
-    };
-    return testing::AssertionFailure()
-           << operation.name << "\n a " << fields_text(a) << "\n b " << fields_text(b) << "\n stored "
-           << hex_text(stored) << "\n plain " << text(expected) << "\n fast  " << text(actual);
-}
-
-const Operation& operation(std::string_view name) {
-    const Operation* const found = find_operation(name);
-    if (found == nullptr) {
-        throw std::invalid_argument(std::string(name));
-    }
-    return *found;
+    return testing::AssertionFailure() << difference_text(o, operands, expected, actual);
 }
 
 TEST_P(Levels, GiveThePlainSumsProductsAndQuotients) {

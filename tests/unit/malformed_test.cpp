@@ -63,6 +63,9 @@ TEST(MalformedPositions, AreAnErrorOfAProduct) {
         expect_malformed("QZCICalcNumMul", outside + " D:2");
         expect_malformed("QZCICalcNumMul", "D:2.5 " + outside);
     }
+    /* The count of limbs wraps in a signed byte, here to 2, and the positions cross. */
+    expect_malformed("QZCICalcNumMul", "R:1,0,127,-128,0,z19.5.z20 D:2");
+    expect_malformed("QZCICalcNumMul", "D:2.5 R:1,0,127,-128,0,z19.5.z20");
     EXPECT_EQ(lines_of("QZCICalcNumMul D:2 " + after_the_last_limb).back(),
               "2|function QZCICalcNumMul return with status -1");
 }
