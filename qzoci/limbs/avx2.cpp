@@ -11,9 +11,6 @@
 #include <bit>
 #include <cstdint>
 
-/* Each function carries the instruction set itself, so that no other file's code is compiled for it. */
-#define QZOCI_AVX2 __attribute__((target("avx2,bmi,bmi2")))
-
 namespace qzoci::limbs {
 namespace {
 
@@ -407,6 +404,38 @@ QZOCI_AVX2 bool half_avx2(const Magnitude& a, Limb* result, Extent& extent) {
     store(halves, result);
     extent = extent_of(halves);
     return true;
+}
+
+QZOCI_AVX2 bool truncate_avx2(const Limb* limbs, bool add_unit, Limb* result, Extent& extent) {
+    constexpr int units_part = units_limb / vector_limbs; /* and there lane 3 */
+    Loaded integer = load({limbs, 0, units_limb});
+    const Vector unit = _mm256_setr_epi32(0, 0, 0, static_cast<int>(add_unit), 0, 0, 0, 0);
+    integer.part[units_part] = _mm256_add_epi32(integer.part[units_part], unit);
+    if (any_from(largest(integer), base)) {
+        return false;
+    }
+    store(integer, result);
+    extent = extent_of(integer);
+    return true;
+}
+
+QZOCI_AVX2 Extent extent_avx2(const Limb* limbs) {
+    return extent_of(load({limbs, 0, limb_count - 1}));
+}
+
+QZOCI_AVX2 int compare_avx2(const Aligned& operands) {
+    Loaded equal;
+    QZOCI_UNROLLED
+    for (int part = 0; part < parts; ++part) {
+        equal.part[part] = _mm256_cmpeq_epi32(load_vector(operands.a + part * vector_limbs),
+                                              load_vector(operands.b + part * vector_limbs));
+    }
+    const LimbMask differing = bits(operands.first, operands.last) & ~mask_of(equal);
+    if (differing == 0) {
+        return 0;
+    }
+    const int i = std::countr_zero(differing);
+    return operands.a[i] > operands.b[i] ? 1 : -1;
 }
 
 } // namespace qzoci::limbs

@@ -14,10 +14,7 @@ using std::uint64_t;
 using std::uint8_t;
 
 constexpr int word_bytes = 8;
-constexpr int word_count = stored_limbs * pairs_per_limb / word_bytes;
-
-/* 24 bytes, eight a word, the first one lowest. */
-using Words = uint64_t[word_count];
+static_assert(word_count * word_bytes == stored_limbs * pairs_per_limb);
 
 /* The byte in each place of a word. */
 constexpr uint64_t every(uint64_t byte) {
@@ -45,23 +42,6 @@ constexpr uint64_t shifted_down(uint64_t word, uint64_t above, int shift) {
 /* The 1..8 bytes, of at least eight, that end at end, zeros after them; none of them for 0. */
 uint64_t last_bytes(const uint8_t* end, int count) {
     return word_at(end - word_bytes, places) >> 1 >> (63 - 8 * count);
-}
-
-/* Exactly count <= 20 bytes, zeros after them. A last word of fewer than eight is read from its end. */
-void load_bytes(const uint8_t* bytes, int count, Words& words) {
-    words[0] = words[1] = words[2] = 0;
-    if (count >= 2 * word_bytes) {
-        words[0] = word_at(bytes, places);
-        words[1] = word_at(bytes + word_bytes, places);
-        words[2] = last_bytes(bytes + count, count - 2 * word_bytes);
-    } else if (count >= word_bytes) {
-        words[0] = word_at(bytes, places);
-        words[1] = last_bytes(bytes + count, count - word_bytes);
-    } else {
-        for (int i = 0; i < count; ++i) {
-            words[0] |= uint64_t{bytes[i]} << (8 * i);
-        }
-    }
 }
 
 void store_bytes(const Words& words, int count, uint8_t* bytes) {
@@ -167,6 +147,23 @@ uint64_t keep_twenty(Words& pairs, int places_up) {
 
 } // namespace
 
+/* A last word of fewer than eight bytes is read from its end. */
+void load_bytes(const uint8_t* bytes, int count, Words& words) {
+    words[0] = words[1] = words[2] = 0;
+    if (count >= 2 * word_bytes) {
+        words[0] = word_at(bytes, places);
+        words[1] = word_at(bytes + word_bytes, places);
+        words[2] = last_bytes(bytes + count, count - 2 * word_bytes);
+    } else if (count >= word_bytes) {
+        words[0] = word_at(bytes, places);
+        words[1] = last_bytes(bytes + count, count - word_bytes);
+    } else {
+        for (int i = 0; i < count; ++i) {
+            words[0] |= uint64_t{bytes[i]} << (8 * i);
+        }
+    }
+}
+
 /* Bytes that are no pair's decline: their weighted sums wrap and leave 0..99999999. */
 bool unpack_portable(const StoredPairs& pairs, int exponent, Limb* result, Extent& extent) {
     Words words;
@@ -193,15 +190,7 @@ bool unpack_portable(const StoredPairs& pairs, int exponent, Limb* result, Exten
     return true;
 }
 
-/* With F = 0..3 zero pairs before it in the first limb, which is not zero, the first significant pair is pair
- * F, the twentieth F + 19, and the deciding one F + 20 <= 23: all in the first six limbs. More than twenty are
- * significant where one after the twentieth is, in these limbs or because a seventh exists: the last limb is
- * not zero. Twenty pairs of 99 that round up change the exponent and decline. */
-bool pack_portable(const Magnitude& a, bool complemented, uint8_t* bytes, PackedPairs& packed) {
-    Words pairs;
-    if (!has_packable_ends(a) || !split_limbs(a, pairs)) {
-        return false;
-    }
+bool pack_pairs(const Magnitude& a, Words& pairs, bool complemented, uint8_t* bytes, PackedPairs& packed) {
     const int leading_zeros = std::countr_zero(pairs[0]) / 8;
     const uint64_t cut = keep_twenty(pairs, leading_zeros);
     int last = stored_pairs - 1;
@@ -227,6 +216,15 @@ bool pack_portable(const Magnitude& a, bool complemented, uint8_t* bytes, Packed
     store_bytes(pairs, length, bytes);
     packed = {leading_zeros, length};
     return true;
+}
+
+/* With F = 0..3 zero pairs before it in the first limb, which is not zero, the first significant pair is pair
+ * F, the twentieth F + 19, and the deciding one F + 20 <= 23: all in the first six limbs. More than twenty are
+ * significant where one after the twentieth is, in these limbs or because a seventh exists: the last limb is
+ * not zero. Twenty pairs of 99 that round up change the exponent and decline. */
+bool pack_portable(const Magnitude& a, bool complemented, uint8_t* bytes, PackedPairs& packed) {
+    Words pairs;
+    return has_packable_ends(a) && split_limbs(a, pairs) && pack_pairs(a, pairs, complemented, bytes, packed);
 }
 
 } // namespace qzoci::limbs

@@ -30,6 +30,17 @@ constexpr bool has_packable_ends(const Magnitude& a) {
     return a.limbs[a.first] - 1 < max_limb && a.limbs[a.last] - 1 < max_limb;
 }
 
+/* 24 bytes, eight a word, the first one lowest. */
+inline constexpr int word_count = 3;
+using Words = std::uint64_t[word_count];
+
+/* Exactly count <= 20 bytes, zeros after them. */
+void load_bytes(const std::uint8_t* bytes, int count, Words& words);
+
+/* Packs the 24 pairs that the first six limbs of the operand are; see pack_portable. */
+bool pack_pairs(const Magnitude& a, Words& pairs, bool complemented, std::uint8_t* bytes,
+                PackedPairs& packed);
+
 bool unpack_portable(const StoredPairs& pairs, int exponent, Limb* result, Extent& extent);
 bool pack_portable(const Magnitude& a, bool complemented, std::uint8_t* bytes, PackedPairs& packed);
 

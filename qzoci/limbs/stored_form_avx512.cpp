@@ -4,7 +4,7 @@
 #if QZOCI_HAS_X86_KERNELS
 
 #include "qzoci/limbs/avx512_vectors.h"
-#include "qzoci/limbs/stored_form.h"
+#include "qzoci/limbs/stored_form_vectors.h"
 
 #include <algorithm>
 #include <bit>
@@ -16,38 +16,11 @@ namespace {
 using std::uint32_t;
 using std::uint8_t;
 
-/* 24 digit pairs and eight zeros, one bit a pair. */
-using Pairs = __m256i;
+/* One bit a pair. */
 using PairMask = uint32_t;
-
-QZOCI_AVX512 inline Pairs every(int byte) {
-    return _mm256_set1_epi8(static_cast<char>(byte));
-}
 
 constexpr PairMask first_pairs(int count) {
     return (PairMask{1} << count) - 1;
-}
-
-/* x + offset, or sum - x = ~x + (sum + 1) where complemented: from a pair to its byte or back. Signs come in no
- * order, so that a branch on them would be mispredicted half the time. */
-QZOCI_AVX512 inline Pairs recoded(Pairs x, bool complemented, int sum, int offset) {
-    const int flag = static_cast<int>(complemented);
-    return _mm256_add_epi8(_mm256_xor_si256(x, every(-flag)), every(offset + flag * (sum + 1 - offset)));
-}
-
-/* The pairs of eight limbs of at most 99999999, the most significant one first. With q = limb / 10^4 the two
- * halves are q + 2^16 (limb - 10^4 q) = 2^16 limb - (10^4 * 2^16 - 1) q, and likewise with 100 and bytes; for
- * the quotients see split_limb, and 3518437209 * 10^4 exceeds 2^45 by 1168, 1168 * 10^8 < 2^45. */
-QZOCI_AVX512 inline Pairs split(__m256i limbs) {
-    const __m256i reciprocal = _mm256_set1_epi64x(3518437209);
-    const __m256i even = _mm256_srli_epi64(_mm256_mul_epu32(limbs, reciprocal), 45);
-    const __m256i odd = _mm256_mul_epu32(_mm256_srli_epi64(limbs, 32), reciprocal);
-    const __m256i upper = _mm256_mask_blend_epi32(0xAA, even, _mm256_srli_epi64(odd, 13));
-    const __m256i fours = _mm256_sub_epi32(_mm256_slli_epi32(limbs, 16),
-                                           _mm256_mullo_epi32(upper, _mm256_set1_epi32(655359999)));
-    const __m256i hundreds = _mm256_srli_epi16(_mm256_mulhi_epu16(fours, _mm256_set1_epi16(5243)), 3);
-    return _mm256_sub_epi16(_mm256_slli_epi16(fours, 8),
-                            _mm256_mullo_epi16(hundreds, _mm256_set1_epi16(25599)));
 }
 
 /* The address of the byte that many places before; masked-off bytes there are neither read nor written. */
@@ -67,8 +40,7 @@ QZOCI_AVX512 bool unpack_avx512(const StoredPairs& stored, int exponent, Limb* r
         return false;
     }
     const Pairs pairs = _mm256_maskz_mov_epi8(inside, recoded(above, stored.complemented, 99, 0));
-    const __m256i fours = _mm256_maddubs_epi16(pairs, _mm256_set1_epi16(1 << 8 | 100));
-    const __m256i limbs = _mm256_madd_epi16(fours, _mm256_set1_epi32(1 << 16 | 10000));
+    const __m256i limbs = limbs_of(pairs);
     const int first = limb_of_exponent(exponent);
     const Vector packed[] = {_mm512_zextsi256_si512(limbs)};
     store(at_column(packed, first), result);

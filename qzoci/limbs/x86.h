@@ -10,6 +10,9 @@
 #define QZOCI_HAS_X86_KERNELS 0
 #endif
 
+/* Each function in AVX2 carries the instruction set itself, so that no other file's code is compiled for it. */
+#define QZOCI_AVX2 __attribute__((target("avx2,bmi,bmi2")))
+
 /* Before a loop over the vectors of an array. A compiler that meets it rolled up keeps the array in memory,
  * and copies it in pieces that it cannot load back at once. */
 #if defined(__clang__)
