@@ -8,7 +8,7 @@ set -euo pipefail
 # The standard library's functions that the engine may use, the host's two functions, and what the compiler adds by
 # itself. No allocation, no exceptions, no run-time type information, no guards of static locals.
 allowed=$(tr ' ' '\n' <<<"puts sprintf snprintf strlen strncpy memcpy memmove memset memcmp sqrtl sqrt roundl ldexp \
-qzoci_log_inner qzoci_log_is_on _GLOBAL_OFFSET_TABLE_ __stack_chk_fail __cpu_model __cpu_features2 __cpu_indicator_init \
+qzoci_log_inner qzoci_log_is_on _GLOBAL_OFFSET_TABLE_ __stack_chk_fail __cpu_model __cpu_indicator_init \
 __popcountdi2" | sort)
 
 # Non-empty sections that are written at run time: allocated and writable, but not those that are
