@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace qzoci::engine {
 namespace {
@@ -45,6 +46,18 @@ enum class TermSign {
     turned_at_even, /* the opposite at even indices */
 };
 
+/* The divisors of a series: by index, and those of the usual indices in a form for the kernel. */
+struct Divisors {
+    sb8 first_index;
+    sb8 (*divisor)(sb8 index);
+    std::span<const limbs::SeriesDivisor> prepared;
+};
+
+template <sb8 (*divisor)(sb8), int First, int Count>
+constexpr Divisors divisors_of() {
+    return {First, divisor, limbs::series_divisors<divisor, First, Count>};
+}
+
 /* A series that adds up terms until one has become zero. Each pass, with the index n counting up:
  *     power = power * factor;  term = power / divisor(n);  set_sign(n, term);  sum = sum + term
  * power and term may be one record. */
@@ -53,8 +66,7 @@ struct Series {
     const QZCICalcNumber& factor;
     QZCICalcNumber& term;
     QZCICalcNumber& sum;
-    sb8 first_index;
-    sb8 (*divisor)(sb8 index);
+    const Divisors& divisors;
     TermSign sign;
     const char* product_error;
     const char* quotient_error;
@@ -73,7 +85,7 @@ void set_sign(TermSign rule, sb8 index, QZCICalcNumber& term) {
 }
 
 sword series_pass(Trace t, const Series& s, sb8 index) {
-    const sb8 divisor = s.divisor(index);
+    const sb8 divisor = s.divisors.divisor(index);
     QZOCI_FORWARD(mul(t, &s.power, &s.factor, &s.power), "%s", s.product_error);
     if (!try_quotient_by_integer(t, s.power, divisor, s.term)) {
         const QZCICalcNumber divor = integer(divisor);
@@ -113,7 +125,8 @@ bool try_series(Trace t, const Series& s) {
     const auto signed_magnitude = [](const QZCICalcNumber& num) {
         return limbs::SignedMagnitude{magnitude(num), num.num_signed == -1};
     };
-    const limbs::SeriesRule rule = {s.first_index, s.divisor, sign_function(s.sign), &s.power == &s.term};
+    const limbs::SeriesRule rule = {s.divisors.first_index, s.divisors.prepared, sign_function(s.sign),
+                                    &s.power == &s.term};
     limbs::Extent extent = {-1, -1};
     bool negative = false;
     if (!t.counted(Stretch::series,
@@ -131,7 +144,7 @@ sword sum_series(Trace t, const Series& s, OnFailure on_failure) {
     if (t.fast && s.term.is_zero == 0 && try_series(t, s)) {
         return OCI_SUCCESS;
     }
-    sb8 index = s.first_index;
+    sb8 index = s.divisors.first_index;
     for (int passes = 0; s.term.is_zero == 0; ++passes) {
         if (passes == max_series_passes) {
             QZOCI_ERROR("%s", s.product_error);
@@ -147,9 +160,12 @@ sword sum_series(Trace t, const Series& s, OnFailure on_failure) {
     return OCI_SUCCESS;
 }
 
-sb8 odd_divisor(sb8 index) {
+constexpr sb8 odd_divisor(sb8 index) {
     return 2 * index - 1;
 }
+
+/* The arctangent of one half has 262 terms, logarithms have a quarter of that. */
+constexpr Divisors odd_divisors = divisors_of<odd_divisor, 2, 268>();
 
 /* ---- Square root ---- */
 
@@ -336,9 +352,12 @@ sword root_of(Trace t, const QZCICalcNumber* number, QZCICalcNumber* resultp, QZ
 
 /* ---- Sine, cosine, tangent ---- */
 
-sb8 sine_divisor(sb8 index) {
+constexpr sb8 sine_divisor(sb8 index) {
     return 2 * index * (2 * index + 1);
 }
+
+/* The sine of pi has 66 terms. */
+constexpr Divisors sine_divisors = divisors_of<sine_divisor, 1, 72>();
 
 /* The sine of a finite, non-zero record: reduced modulo 2 pi, folded into [0, pi], summed. */
 sword sine(Trace t, const QZCICalcNumber* number, QZCICalcNumber& var) {
@@ -366,8 +385,7 @@ sword sine(Trace t, const QZCICalcNumber* number, QZCICalcNumber& var) {
                            factor,
                            iteration_result,
                            var,
-                           1,
-                           sine_divisor,
+                           sine_divisors,
                            TermSign::by_index,
                            "QZCICalcNumSin error in Mul",
                            "QZCICalcNumSin error in Div",
@@ -498,9 +516,9 @@ sword add_arctangent_series(Trace t, const QZCICalcNumber& z, QZCICalcNumber& cr
     QZOCI_FORWARD(assign(t, &z, &iteration_result), "%s", atan_assign_error);
     QZOCI_FORWARD(assign(t, &z, &factor), "%s", atan_assign_error);
     QZOCI_FORWARD(add(t, &cresult, &iteration_result, &cresult), "%s", atan_add_error);
-    const Series series = {
-        factor,         doublex,        iteration_result, cresult, 2, odd_divisor, TermSign::turned_at_even,
-        atan_mul_error, atan_div_error, atan_add_error};
+    const Series series = {factor,         doublex,        iteration_result,
+                           cresult,        odd_divisors,   TermSign::turned_at_even,
+                           atan_mul_error, atan_div_error, atan_add_error};
     return sum_series(t, series, OnFailure::repeat_index);
 }
 
@@ -590,9 +608,12 @@ bool exponential_saturates(const QZCICalcNumber& num) {
             (num.start_pos == units_limb && num.data_part[units_limb] >= exponential_bound));
 }
 
-sb8 factorial_divisor(sb8 index) {
+constexpr sb8 factorial_divisor(sb8 index) {
     return index;
 }
+
+/* The exponential of 0.1 has 73 terms. */
+constexpr Divisors factorial_divisors = divisors_of<factorial_divisor, 1, 80>();
 
 /* cresult = e^x' by its series, |x'| < 0.1. */
 sword exponential_series(Trace t, const QZCICalcNumber& new_exponent, QZCICalcNumber& cresult) {
@@ -603,8 +624,7 @@ sword exponential_series(Trace t, const QZCICalcNumber& new_exponent, QZCICalcNu
                            new_exponent,
                            term,
                            cresult,
-                           1,
-                           factorial_divisor,
+                           factorial_divisors,
                            TermSign::kept,
                            "QZCICalcNumExp: QZCICalcNumDiv error",
                            "QZCICalcNumExp: QZCICalcNumDiv error",
@@ -750,8 +770,7 @@ sword logarithm_series(Trace t, const QZCICalcNumber& reduced_arg, QZCICalcNumbe
                            z_square,
                            term,
                            cresult,
-                           2,
-                           odd_divisor,
+                           odd_divisors,
                            TermSign::kept,
                            "QZCICalcNumLn call QZCICalcNumMul error",
                            "QZCICalcNumLn call QZCICalcNumDiv error",

@@ -18,7 +18,7 @@ namespace qzoci::limbs {
  * below 2^40, tells by how much to correct it, where an e near a multiple of d may go either way.
  * Precondition: 2 <= divisor < base. */
 struct Reciprocal {
-    explicit Reciprocal(Limb divisor) {
+    constexpr explicit Reciprocal(Limb divisor) {
         const double inverse = 1.0 / divisor;
         shift = static_cast<int>(std::bit_width(divisor - 1)) - 1;
         const auto power = std::bit_cast<double>(static_cast<std::uint64_t>(1023 + 63 + shift) << 52);
@@ -33,7 +33,7 @@ struct Reciprocal {
         multiplier = 2 * static_cast<std::uint64_t>(rough - excess);
     }
 
-    std::uint64_t quotient(std::uint64_t v) const { return high_product(v, multiplier) >> shift; }
+    constexpr std::uint64_t quotient(std::uint64_t v) const { return high_product(v, multiplier) >> shift; }
 
     std::uint64_t multiplier = 0;
     int shift = 0;

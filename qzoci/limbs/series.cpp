@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <span>
 
 namespace qzoci::limbs {
 namespace {
@@ -27,9 +28,6 @@ namespace {
 using std::int64_t;
 using std::uint64_t;
 
-/* No series of arguments that are let in has 500 terms. */
-constexpr int max_passes = 2048;
-constexpr int64_t max_divisor = 65536;
 constexpr Limb max_units = 15;
 
 /* Powers stay below 2^545. */
@@ -37,26 +35,6 @@ constexpr int64_t max_top_digit = 32;
 
 /* In units of 2^-60: the errors are below 2^8 of f / d and the columns, and below 4 of c. */
 constexpr int64_t doubt = 1024;
-
-/* What a pass needs of its divisor, 1 <= d <= 65536. Then d * 10^-8 is below a half, so that t = floor(d / 2) + 1
- * and c = (2 * (d - t) + 1) / (2 * d). */
-struct Divisor {
-    Divisor() = default;
-
-    explicit Divisor(int64_t value)
-        : d(value), round_up_from(d / 2 + 1), reciprocal(static_cast<Limb>(std::max<int64_t>(d, 2))) {
-        const auto n = static_cast<uint64_t>(2 * (d - round_up_from) + 1);
-        /* 2^59 / d, from the multiplier 2^(64 + shift) / d; d = 1 has c = 1/2. */
-        const uint64_t c = d == 1 ? uint64_t{digit_base} / 2
-                                  : high_product(n << (59 - reciprocal.shift), reciprocal.multiplier);
-        offset = static_cast<int64_t>(c) - doubt / 2;
-    }
-
-    int64_t d = 2;
-    int64_t round_up_from = 2; /* t */
-    Reciprocal reciprocal = Reciprocal(2);
-    int64_t offset = 0; /* c in units of 2^-60, lowered */
-};
 
 /* ---- Division of several digits by one limb ---- */
 
@@ -70,9 +48,9 @@ class DigitDivision {
 public:
     DigitDivision() = default;
 
-    /* by.d >= 2. */
-    DigitDivision(int64_t leading_digit, const Divisor& by)
-        : reciprocal_(by.reciprocal), d_(static_cast<uint64_t>(by.d)),
+    /* d >= 2. */
+    DigitDivision(int64_t leading_digit, const SeriesDivisor& by)
+        : reciprocal_(by.reciprocal()), d_(static_cast<uint64_t>(by.d())),
           base_quotient_(reciprocal_.quotient(uint64_t{digit_base})),
           base_rest_(uint64_t{digit_base} - base_quotient_ * d_), step_(base_rest_ * d_),
           w_(static_cast<uint64_t>(leading_digit)) {}
@@ -107,10 +85,10 @@ class LooseDivision {
 public:
     LooseDivision() = default;
 
-    /* by.d >= 2. */
-    explicit LooseDivision(const Divisor& by)
-        : d_(static_cast<uint64_t>(by.d)), multiplier_(by.reciprocal.multiplier - 2),
-          e_(by.reciprocal.shift + 1) {}
+    /* d >= 2. */
+    explicit LooseDivision(const SeriesDivisor& by)
+        : d_(static_cast<uint64_t>(by.d())), multiplier_(by.reciprocal().multiplier - 2),
+          e_(by.reciprocal().shift + 1) {}
 
     int64_t next(int64_t digit) {
         const auto x = static_cast<uint64_t>(digit);
@@ -163,12 +141,16 @@ class Sum {
 public:
     Sum(const Term& start, bool negative) { add(start, negative); }
 
-    /* At most batch + 1 calls without a settle() between. */
+    /* At most batch + 1 digits are added to each without a settle() between. */
     void add(const Term& term, bool negative) {
-        const int64_t flip = negative ? -1 : 0;
-        for (int i = 0; i < integer_digits; ++i) {
-            digit_[i] += (term.digit[i] ^ flip) - flip;
+        for (int i = 0; i < term.count; ++i) {
+            add_digit(i, term.digit[i], negative);
         }
+    }
+
+    void add_digit(int i, int64_t digit, bool negative) {
+        const int64_t flip = negative ? -1 : 0;
+        digit_[i] += (digit ^ flip) - flip;
     }
 
     /* All digits but the last become 0..2^60 - 1. */
@@ -233,13 +215,16 @@ bool may_end_in_zero_limb(const int64_t* product, int count, int64_t d) {
 
 /* ---- The passes ---- */
 
+/* The divisors of a batch of passes. */
+using Batch = std::span<const SeriesDivisor, batch>;
+
 class Series {
 public:
-    Series(const SeriesRule& rule, const Term& power, const Magnitude& factor)
-        : rule_(rule), factor_(factor), power_(power), fraction_(over_unit(Term(factor).digit)) {}
+    Series(const SeriesRule& rule, const Term& power, int last_limb, const Magnitude& factor)
+        : rule_(rule), factor_(factor), power_(power), fraction_(over_unit(Term(factor).digit)),
+          last_limb_(last_limb) {}
 
-    /* Adds all terms to the sum. False: a rare step cannot be done, the terms grow, or a divisor is too large.
-     */
+    /* Adds all terms to the sum. False: a rare step cannot be done, the terms grow, or there are too many. */
     bool run(bool power_is_negative, bool factor_is_negative, Sum& sum) {
         return rule_.term_is_power
                    ? run_terms(power_is_negative, factor_is_negative, sum)
@@ -247,37 +232,22 @@ public:
     }
 
 private:
-    /* The divisors of a batch of passes. False: one does not fit. */
-    bool divisors_from(int64_t index, Divisor (&by)[batch]) const {
-        for (Divisor& divisor : by) {
-            const int64_t value = rule_.divisor(index++);
-            if (value < 1 || value > max_divisor) {
-                return false;
-            }
-            divisor = Divisor(value);
-        }
-        return true;
-    }
-
     /* Each term is the next power. */
     bool run_terms(bool negative, bool factor_is_negative, Sum& sum) {
         int64_t index = rule_.first_index;
-        for (int passes = 0; passes < max_passes; passes += batch) {
-            Divisor by[batch];
+        for (auto left = rule_.divisors; left.size() >= batch; left = left.subspan(batch)) {
+            const Batch by = left.first<batch>();
             BinaryFraction scaled[batch];
-            if (!divisors_from(index, by)) {
-                return false;
-            }
             scale_fraction(by, scaled);
             for (int i = 0; i < batch; ++i, ++index) {
-                if (!next_power(by[i], scaled[i])) {
+                negative = rule_.term_is_negative(index, negative != factor_is_negative);
+                const auto take = [&](int k, int64_t digit) { sum.add_digit(k, digit, negative); };
+                if (!next_power(by[static_cast<size_t>(i)], scaled[i], take)) {
                     return false;
                 }
                 if (power_.count == 0) {
                     return true;
                 }
-                negative = rule_.term_is_negative(index, negative != factor_is_negative);
-                sum.add(power_, negative);
             }
             sum.settle();
         }
@@ -286,23 +256,20 @@ private:
 
     /* The power goes on undivided. */
     bool run_powers(bool negative, bool factor_is_negative, Sum& sum) {
-        const Divisor one(1);
+        static constexpr SeriesDivisor one(1);
+        const auto take = [](int, int64_t) {};
         int64_t index = rule_.first_index;
-        for (int passes = 0; passes < max_passes; passes += batch) {
-            Divisor by[batch];
-            if (!divisors_from(index, by)) {
-                return false;
-            }
+        for (auto left = rule_.divisors; left.size() >= batch; left = left.subspan(batch)) {
             Term powers[batch];
             const int count = power_.count;
             for (int i = 0; i < batch && power_.count != 0; ++i) {
-                if (!next_power(one, fraction_) || power_.count > count) {
+                if (!next_power(one, fraction_, take) || power_.count > count) {
                     return false;
                 }
                 powers[i] = power_;
             }
             Term terms[batch];
-            divide_powers(powers, by, count, terms);
+            divide_powers(powers, left.first<batch>(), count, terms);
             for (int i = 0; i < batch; ++i, ++index) {
                 if (terms[i].count == 0) {
                     return true;
@@ -315,12 +282,13 @@ private:
         return false;
     }
 
-    /* The fraction over each divisor, to the digits that the batch needs: a power may grow by one. */
-    void scale_fraction(const Divisor (&by)[batch], BinaryFraction (&scaled)[batch]) const {
-        const int last = std::min(power_.count + 2, fraction_digits);
+    /* The fraction over each divisor, to the digits that the batch needs. */
+    void scale_fraction(Batch by, BinaryFraction (&scaled)[batch]) const {
+        const int growth = fraction_.digit[0] >= by[0].d() ? 1 : 0;
+        const int last = std::min(power_.count + 1 + growth, fraction_digits);
         LooseDivision division[batch];
         for (int b = 0; b < batch; ++b) {
-            division[b] = LooseDivision(by[b]);
+            division[b] = LooseDivision(by[static_cast<size_t>(b)]);
         }
         for (int i = 0; i <= last; ++i) {
             for (int b = 0; b < batch; ++b) {
@@ -329,18 +297,17 @@ private:
         }
         for (int b = 0; b < batch; ++b) {
             scaled[b].digit[fraction_digits + 1] = 0;
-            if (by[b].d == 1) {
+            if (by[static_cast<size_t>(b)].d() == 1) {
                 scaled[b] = fraction_;
             }
         }
     }
 
     /* floor(N / d) + (N mod d >= t) for each of the powers N of up to count digits, d >= 2. */
-    static void divide_powers(const Term (&powers)[batch], const Divisor (&by)[batch], int count,
-                              Term (&terms)[batch]) {
+    static void divide_powers(const Term (&powers)[batch], Batch by, int count, Term (&terms)[batch]) {
         DigitDivision division[batch];
         for (int b = 0; b < batch; ++b) {
-            division[b] = DigitDivision(powers[b].digit[count - 1], by[b]);
+            division[b] = DigitDivision(powers[b].digit[count - 1], by[static_cast<size_t>(b)]);
         }
         for (int i = count - 1; i >= 0; --i) {
             for (int b = 0; b < batch; ++b) {
@@ -350,56 +317,67 @@ private:
         for (int b = 0; b < batch; ++b) {
             terms[b].count = count;
             terms[b].trim();
-            if (division[b].rest() >= by[b].round_up_from) {
+            if (division[b].rest() >= by[static_cast<size_t>(b)].round_up_from()) {
                 terms[b].increment();
             }
         }
     }
 
-    /* T' of the head comment, with scaled = f / d. False: as in run(). */
-    bool next_power(const Divisor& by, const BinaryFraction& scaled) {
+    /* T' of the head comment, with scaled = f / d; take_digit(k, digit) is called for its digits. False: as in
+     * run(). */
+    template <typename TakeDigit>
+    bool next_power(const SeriesDivisor& by, const BinaryFraction& scaled, TakeDigit take_digit) {
         switch (power_.count) {
         case 1:
-            return pass<1>(by, scaled);
+            return pass<1>(by, scaled, take_digit);
         case 2:
-            return pass<2>(by, scaled);
+            return pass<2>(by, scaled, take_digit);
         case 3:
-            return pass<3>(by, scaled);
+            return pass<3>(by, scaled, take_digit);
         case 4:
-            return pass<4>(by, scaled);
+            return pass<4>(by, scaled, take_digit);
         case 5:
-            return pass<5>(by, scaled);
+            return pass<5>(by, scaled, take_digit);
         case 6:
-            return pass<6>(by, scaled);
+            return pass<6>(by, scaled, take_digit);
         case 7:
-            return pass<7>(by, scaled);
+            return pass<7>(by, scaled, take_digit);
         case 8:
-            return pass<8>(by, scaled);
+            return pass<8>(by, scaled, take_digit);
         case 9:
-            return pass<9>(by, scaled);
+            return pass<9>(by, scaled, take_digit);
         default:
-            return pass<10>(by, scaled);
+            return pass<10>(by, scaled, take_digit);
         }
     }
 
-    template <int L>
-    bool pass(const Divisor& by, const BinaryFraction& scaled) {
+    template <int L, typename TakeDigit>
+    bool pass(const SeriesDivisor& by, const BinaryFraction& scaled, TakeDigit take_digit) {
         int64_t product[L + 1];
         fraction_product<L>(power_.digit, scaled.digit, product);
         int64_t above = 0;
         if (scaled.digit[0] != 0) {
             above = add_multiple(power_, scaled.digit[0], product);
         }
-        const int64_t with_offset = product[0] + by.offset;
+        const bool exact = product_is_exact(by.d());
+        const int64_t with_offset = product[0] + by.offset() - doubt / 2;
         if ((with_offset & (digit_base - 1)) >= digit_base - doubt ||
-            may_end_in_zero_limb(product, L, by.d)) {
-            return rare_step(by.d);
+            (!exact && may_end_in_zero_limb(product, L, by.d()))) {
+            if (!rare_step(by.d())) {
+                return false;
+            }
+            for (int i = 0; i < power_.count; ++i) {
+                take_digit(i, power_.digit[i]);
+            }
+            return true;
         }
         int64_t carry = with_offset >> digit_bits;
         for (int i = 0; i < L; ++i) {
-            const int64_t digit = product[i + 1] + carry;
-            power_.digit[i] = digit & (digit_base - 1);
-            carry = digit >> digit_bits;
+            const int64_t sum = product[i + 1] + carry;
+            const int64_t digit = sum & (digit_base - 1);
+            power_.digit[i] = digit;
+            take_digit(i, digit);
+            carry = sum >> digit_bits;
         }
         above += carry;
         if (above != 0) {
@@ -408,10 +386,24 @@ private:
             }
             power_.digit[L] = above;
             power_.count = L + 1;
+            take_digit(L, above);
         } else if (power_.digit[L - 1] == 0) {
             power_.trim();
         }
         return power_.digit[integer_digits - 1] < max_top_digit;
+    }
+
+    /* True where T * f has no digits below the last place: the first few powers of a short argument, whose last
+     * limb may well be zero. Keeps account of the last limb that T' may have. */
+    bool product_is_exact(int64_t d) {
+        const int last = last_limb_ + factor_.last - units_limb;
+        if (last >= limb_count) {
+            last_limb_ = limb_count - 1;
+            return false;
+        }
+        const int more = d == 1 ? 0 : base % d == 0 ? 1 : limb_count;
+        last_limb_ = std::min(last + more, limb_count - 1);
+        return true;
     }
 
     /* The pass by the kernels for limbs. */
@@ -442,6 +434,7 @@ private:
     Magnitude factor_;
     Term power_;
     BinaryFraction fraction_; /* of the factor */
+    int last_limb_;           /* no limb of the power after this one is other than zero */
 };
 
 bool is_let_in(const Magnitude& a) {
@@ -472,7 +465,8 @@ bool sum_series(const SeriesRule& rule, const SignedMagnitude& power, const Sign
     const Term start(power.magnitude);
     Sum total(same(power.magnitude, sum.magnitude) ? start : Term(sum.magnitude), sum.negative);
     Limb limbs[limb_count];
-    if (!Series(rule, start, factor.magnitude).run(power.negative, factor.negative, total) ||
+    if (!Series(rule, start, power.magnitude.last, factor.magnitude)
+             .run(power.negative, factor.negative, total) ||
         !total.write(limbs, negative)) {
         return false;
     }

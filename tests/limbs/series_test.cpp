@@ -20,23 +20,19 @@ using limbs::SeriesRule;
 
 constexpr engine::Trace plain = {false, false};
 
-sb8 sine_divisor(sb8 index) {
+constexpr sb8 sine_divisor(sb8 index) {
     return 2 * index * (2 * index + 1);
 }
 
-sb8 index_itself(sb8 index) {
+constexpr sb8 index_itself(sb8 index) {
     return index;
 }
 
-sb8 odd_divisor(sb8 index) {
+constexpr sb8 odd_divisor(sb8 index) {
     return 2 * index - 1;
 }
 
-sb8 large_divisor(sb8 index) {
-    return 65530 + index;
-}
-
-sb8 no_divisor(sb8) {
+constexpr sb8 no_divisor(sb8) {
     return 1;
 }
 
@@ -52,10 +48,13 @@ bool turned_at_even(sb8 index, bool negative) {
     return negative != (index % 2 == 0);
 }
 
-constexpr SeriesRule sine = {1, sine_divisor, minus_at_odd, true};
-constexpr SeriesRule exponential = {1, index_itself, keeps_sign, true};
-constexpr SeriesRule logarithm = {2, odd_divisor, keeps_sign, false};
-constexpr SeriesRule arctangent = {2, odd_divisor, turned_at_even, false};
+using limbs::series_divisors;
+
+const SeriesRule sine = {1, series_divisors<sine_divisor, 1, 120>, minus_at_odd, true};
+const SeriesRule exponential = {1, series_divisors<index_itself, 1, 400>, keeps_sign, true};
+const SeriesRule logarithm = {2, series_divisors<odd_divisor, 2, 272>, keeps_sign, false};
+const SeriesRule arctangent = {2, series_divisors<odd_divisor, 2, 272>, turned_at_even, false};
+const SeriesRule growing = {1, series_divisors<no_divisor, 1, 400>, keeps_sign, true};
 
 /* The passes one by one, on records. */
 QZCICalcNumber summed_by_steps(const SeriesRule& rule, QZCICalcNumber power, const QZCICalcNumber& factor,
@@ -63,7 +62,7 @@ QZCICalcNumber summed_by_steps(const SeriesRule& rule, QZCICalcNumber power, con
     QZCICalcNumber term = power;
     for (sb8 index = rule.first_index; term.is_zero == 0; ++index) {
         QZCICalcNumber divisor;
-        initCalcNumberFromInt(&divisor, rule.divisor(index));
+        initCalcNumberFromInt(&divisor, rule.divisors[static_cast<size_t>(index - rule.first_index)].d());
         engine::mul(plain, &power, &factor, &power);
         engine::div(plain, &power, &divisor, &term);
         term.num_signed = rule.term_is_negative(index, power.num_signed == -1) ? -1 : 1;
@@ -202,17 +201,40 @@ TEST(Series, DeclineOperandsThatAreNotLetIn) {
     EXPECT_TRUE(finishes(exponential, limb_outside, tenth, tenth));
 }
 
-TEST(Series, DeclineWhatWouldNotEndOrLeaveTheDigits) {
+TEST(Series, DeclineWhatGrowsOrDoesNotEnd) {
     const QZCICalcNumber tenth = record_from_limbs({{20, 10000000}});
-    const QZCICalcNumber small = record_from_limbs({{39, 30}});
-    const QZCICalcNumber fifteen = record_from_decimal("15");
-    constexpr SeriesRule growing = {1, no_divisor, keeps_sign, true};
-    constexpr SeriesRule large = {1, large_divisor, keeps_sign, true};
-    EXPECT_EQ(summed_by_kernel(growing, tenth, fifteen, tenth), std::nullopt);
+    EXPECT_EQ(summed_by_kernel(growing, tenth, record_from_decimal("15"), tenth), std::nullopt);
     EXPECT_EQ(summed_by_kernel(growing, tenth, record_from_decimal("1"), tenth), std::nullopt);
-    EXPECT_EQ(summed_by_kernel(large, tenth, fifteen, tenth), std::nullopt);
-    /* One pass, but the divisors of its batch reach 65534. */
-    EXPECT_EQ(summed_by_kernel(large, small, tenth, small), small);
+}
+
+/* A tenth of it is left from pass to pass: one unit of the last place is made after 160, nothing in the next. */
+TEST(Series, DeclineTooFewDivisors) {
+    const QZCICalcNumber one = record_from_decimal("1");
+    const QZCICalcNumber tenth = record_from_limbs({{20, 10000000}});
+    const auto finishes_with = [&](size_t count) {
+        const SeriesRule rule = {1, growing.divisors.first(count), keeps_sign, true};
+        return summed_by_kernel(rule, one, tenth, one).has_value();
+    };
+    EXPECT_FALSE(finishes_with(0));
+    EXPECT_FALSE(finishes_with(160));
+    EXPECT_TRUE(finishes_with(164));
+}
+
+/* The largest divisor that is taken: 65536 * 0.50000001 = 32768.00065536 rounds to 1, one less to 0. */
+TEST(Series, RoundAQuotientAboveOneHalf) {
+    static constexpr auto largest = [] {
+        std::array<limbs::SeriesDivisor, 4> divisors = {};
+        divisors.fill(limbs::SeriesDivisor(limbs::max_series_divisor));
+        return divisors;
+    }();
+    const SeriesRule rule = {1, largest, keeps_sign, true};
+    const QZCICalcNumber one = record_from_decimal("1");
+    const auto rounded = [&](ub4 units) {
+        const QZCICalcNumber power = record_from_limbs({{39, units}});
+        return summed_by_kernel(rule, power, one, power);
+    };
+    EXPECT_EQ(rounded(32768), record_from_limbs({{39, 32768}}));
+    EXPECT_EQ(rounded(32769), record_from_limbs({{39, 32770}}));
 }
 
 TEST(Series, DeclineASumOfZero) {
