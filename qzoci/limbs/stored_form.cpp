@@ -39,7 +39,7 @@ constexpr uint64_t shifted_down(uint64_t word, uint64_t above, int shift) {
     return word >> shift | (above << 1) << (63 - shift);
 }
 
-/* The 1..8 bytes, of at least eight, that end at end, zeros after them; none of them for 0. */
+/* The last count = 0..7 of the eight bytes before end, zeros after them. */
 uint64_t last_bytes(const uint8_t* end, int count) {
     return word_at(end - word_bytes, places) >> 1 >> (63 - 8 * count);
 }
