@@ -252,7 +252,7 @@ bool is_exact_root(Trace t, const QZCICalcNumber& number, const QZCICalcNumber& 
 
 /* Jumps to where the iteration ends: to a root that is a fixed point of its step and alone in its
  * neighbourhood, or to an exact one that its step keeps. Digit for digit the walk's result but for the
- * possibility that limbs::is_isolated_fixed_point names, below 10^-18 a call; an engine built with
+ * possibility that limbs::is_isolated_fixed_point names and estimates; an engine built with
  * QZOCI_CERTIFIED_ROOT_ONLY always walks. */
 bool try_root(Trace t, const QZCICalcNumber& number, QZCICalcNumber& cresult) {
 #ifdef QZOCI_CERTIFIED_ROOT_ONLY

@@ -236,8 +236,9 @@ bool nearest_root(const Magnitude& number, Limb* root, Extent& extent) {
  *      or is the one residue modulo 2 * 10^160 that (f) names. []
  *
  * What this leaves open is an end of the iteration farther than R from g*, at a guess whose division is wrong in
- * just the way that holds it there; by count of the coincidences needed that is less likely than 10^-18 a
- * call. */
+ * just the way that holds it there. Such ends are found just below the squares of short numbers, as for
+ * 3.99999999999999999999992 or 24.999999999999997; their roots fail (a) or (c). For a root whose limbs pass these,
+ * the count of the coincidences needed makes it less likely than 10^-18 a call; none is known. */
 bool is_isolated_fixed_point(const Magnitude& number, const Magnitude& root) {
     const int n = root.last - root.first + 1;
     if (n < 3 || root.last != limb_count - 1) {

@@ -521,6 +521,21 @@ TEST_P(FastRoot, WalksToAnEndThatIsNotTheRoot) {
     EXPECT_EQ(root.data_part[39], 72441857U);
 }
 
+/* Just below the squares of short numbers the iteration ends far from the root: a quotient at rest has a limb above
+ * 99999999, or a halving turns a last limb of 99999999 into 1. */
+TEST_P(FastRoot, WalksBelowTheSquaresOfShortNumbers) {
+    for (const char* text : {"3.99999999999999999999992", "3.999999999999999999999999999999934",
+                             "15.999999999999999999999999956", "0.999999999999999999999999999999981"}) {
+        EXPECT_EQ(taken_for_root(decimal(text)), Taken::declined) << text;
+    }
+    const QZCICalcNumber number = decimal("24.999999999999997");
+    EXPECT_EQ(taken_for_root(number), Taken::declined);
+    QZCICalcNumber root;
+    engine::sqrt({false, true}, &number, &root);
+    EXPECT_EQ(root.data_part[38], 71853309U);
+    EXPECT_EQ(root.data_part[39], 1U); /* of the true root, 99999997 */
+}
+
 /* Two neighbouring guesses satisfy the condition for an end. */
 TEST_P(FastRoot, WalksWhereTwoEndsAreSideBySide) {
     const QZCICalcNumber number =
