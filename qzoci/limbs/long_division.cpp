@@ -13,7 +13,8 @@
  * Lemma 2. If no limb of u' and v' is B, no product t * v' that is formed has a limb equal to B but possibly
  * its lowest, and n >= 3, then every digit is the true one. For by induction each window U is canonical and
  * below B * v'. The refinement is the classical two-limb test, so q <= qq <= q + 1. All limbs are canonical, so
- * the subtraction's borrow tells U < qq * v', and one add-back is exactly enough. A lowest product limb of B meets no borrow and only borrows: value and borrow stay right. []
+ * the subtraction's borrow tells U < qq * v', and one add-back is exactly enough. A lowest product limb of B
+ * meets no borrow and only borrows: value and borrow stay right. []
  *
  * Lemma 3. A product limb t * v'_i + c equals B only if v'_i = floor(B / t), and then t <= 10^4 or v'_i <=
  * 10^4. The multipliers t are a digit q or q + 1. []
@@ -147,13 +148,15 @@ TwoLimbDivision two_limb_division(const Scaled& scaled) {
 /* ---- Longer divisors ---- */
 
 int pairs_of(const Limb* limbs, int count, int64_t (&columns)[max_columns]) {
-    const int pairs = (count + 1) / 2;
-    for (int i = 0; i < max_columns; ++i) {
-        const int64_t upper = 2 * i < count ? limbs[2 * i] : 0;
-        const int64_t lower = 2 * i + 1 < count ? limbs[2 * i + 1] : 0;
-        columns[i] = upper * base + lower;
+    const int whole = count / 2;
+    for (int i = 0; i < whole; ++i) {
+        columns[i] = int64_t{limbs[2 * i]} * base + limbs[2 * i + 1];
     }
-    return pairs;
+    std::fill(columns + whole, columns + max_columns, 0);
+    if (count % 2 != 0) {
+        columns[whole] = int64_t{limbs[count - 1]} * base;
+    }
+    return (count + 1) / 2;
 }
 
 /* digits[0..2 * pairs - 1] = the true digits; the result is an estimate of the next pair. */

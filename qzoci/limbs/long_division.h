@@ -5,6 +5,7 @@
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/reciprocal.h"
 #include "qzoci/limbs/wide.h"
+#include "qzoci/limbs/x86.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -35,10 +36,10 @@ inline constexpr int max_columns = 24;
 
 /* The quotient digits of a division of pair columns. With D the dividend's pairs and W the divisor's (W_0 >=
  * 5 * 10^15), (D_0 + D_1 / 10^16 + ...) / (W_0 + W_1 / 10^16 + ...) = Q_0 / 10^16 + Q_1 / 10^32 + ... Each Q
- * is estimated from the exact remainder of the two leading columns with an error below 0.01, then rounded
+ * is estimated from the exact remainder of the two leading columns with an error below 0.14, then rounded
  * down: it may be one off, and then the next one is slightly negative or above 10^16 and makes up for it. So
- * all Q stay below 1.1 * 10^16 in magnitude, all columns below 21 * 1.1 * 10^32 < 2^111, and the sum of the
- * series is exact. Carries are settled at the end. */
+ * all Q stay between -0.14 * 10^16 and 1.14 * 10^16, all columns below 21 * 1.2 * 10^32 < 2^111 in magnitude,
+ * and the sum of the series is exact. Carries are settled at the end. */
 class ColumnDivision {
 public:
     /* The columns are max_columns each, of which so many are the operand's. */
@@ -50,18 +51,18 @@ public:
     /* Finds so many pairs of digits, at most max_pairs. */
     void run(int pairs) {
         divide(pairs);
-        quotient_[pairs - 1] += correction(pairs);
+        quotient_[first_pair + pairs - 1] += correction(pairs);
         pairs_ = pairs;
     }
 
     /* The pairs found, each of which may lie outside 0..10^16 - 1 and then carries. */
-    const std::int64_t* quotient() const { return quotient_; }
+    const std::int64_t* quotient() const { return quotient_ + first_pair; }
 
     /* digits[0..2 * pairs - 1] = the true digits. */
     void settle(Limb* digits) const {
         std::int64_t carry = 0;
         for (int k = pairs_ - 1; k >= 0; --k) {
-            std::int64_t q = quotient_[k] + carry;
+            std::int64_t q = quotient_[first_pair + k] + carry;
             carry = 0;
             if (q < 0) {
                 q += pair_base;
@@ -79,12 +80,15 @@ public:
     std::int64_t next() const { return next_; }
 
 private:
+    static constexpr int block = 4;
+    static constexpr int first_pair = block - 1;
+
     /* 2^115 / (W_0 + W_1 / 10^16), a few units off at most: the floating-point quotient is good to 2^-51, and
      * one Newton step on the exact residue squares that. */
     std::int64_t reciprocal() const {
         constexpr double two_115 = 4.153837486827862e34;
         const auto w0 = static_cast<double>(divisor_[0]);
-        const double w1 = static_cast<double>(divisor_[1]) / 1e16;
+        const double w1 = static_cast<double>(divisor_[1]) * 1e-16;
         const double inverse = 1 / (w0 + w1);
         const auto rough = static_cast<std::int64_t>(two_115 * inverse);
         const Wide residue =
@@ -99,42 +103,66 @@ private:
         return Wide::product(column.shifted(50), reduced).shifted(64);
     }
 
-    /* Column j less the products of Q_0..Q_(k-1) that fall on it. */
+    static constexpr std::uint64_t bits(std::int64_t x) { return static_cast<std::uint64_t>(x); }
+
+    static constexpr std::int64_t low_bits(std::uint64_t x) { return static_cast<std::int64_t>(x); }
+
+    /* Column j less the products of Q_0..Q_(k-1) that fall on it, four at a time: where fewer are left, the
+     * zeros before Q_0 or after the divisor's columns make up for it. */
     Wide column_after(int k, int j) const {
         Wide column = j < dividend_pairs_ ? Wide(dividend_[j]) : Wide();
-        for (int i = std::max(0, j - divisor_pairs_); i < k; ++i) {
-            column = column - Wide::product(quotient_[i], divisor_[j - 1 - i]);
+        const int first = std::max(0, j - divisor_pairs_);
+        const std::int64_t* q = quotient_ + first_pair + k - 1;
+        const std::int64_t* w = divisor_ + j - k;
+        for (int left = k - first; left > 0; left -= block) {
+            QZOCI_UNROLLED
+            for (int i = 0; i < block; ++i) {
+                column = column - Wide::product(q[-i], w[i]);
+            }
+            q -= block;
+            w += block;
         }
         return column;
     }
 
-    /* Step k has in head the two leading columns together, and column k + 2 in below, both after the
-     * products of Q_0..Q_(k-1). What column k + 2 adds to the estimate goes by a multiple of W_2, off by 200
-     * of the head's units at most. */
+    /* After Q_0..Q_(k-1), rest is what is left down to column k, in its units; above and below are the next
+     * two columns, of which column k + 3 hands all but a few 10^16 to the one before it, so that both stay
+     * below 2.3 * 10^32 and rest below 3.5 * 10^16. The sum of the three, in units of 2^47, is the estimate's
+     * numerator: each of its terms is rounded down, together by less than 4, which is 0.12 of a Q; the
+     * reciprocal adds 0.02. The chain
+     * from one Q to the next has three multiplications; exact values are needed modulo 2^64 alone. */
     void divide(int pairs) {
-        constexpr double below_2_63_over_pair_base = 922.33720368547;
+        constexpr std::int64_t shifted_base = pair_base << 9;
         const std::int64_t inverse = reciprocal();
         const std::int64_t w0 = divisor_[0];
         const std::int64_t w1 = divisor_[1];
         const std::int64_t w2 = divisor_[2];
-        const auto third = static_cast<std::int64_t>(static_cast<double>(w2) * below_2_63_over_pair_base);
-        Wide head = Wide::product(dividend_[0], pair_base) + Wide(dividend_[1]);
+        const std::int64_t second = (w1 << 9) + static_cast<std::int64_t>(static_cast<double>(w2) * 5.12e-14);
+        std::int64_t rest = dividend_[0];
+        std::int64_t above = dividend_[1];
         Wide below = dividend_[2];
-        std::int64_t below_head = 0;
+        Wide last_below;
+        std::int64_t estimate = Wide::product(rest << 8, shifted_base).shifted(64) + (above >> 47);
         for (int k = 0;; ++k) {
-            const std::int64_t q = Wide::product((head + Wide(below_head)).shifted(44), inverse).shifted(71);
+            const std::int64_t q = Wide::product(estimate, inverse).shifted(68);
             if (k == pairs) {
                 next_ = q;
+                head_ = Wide::product(rest, pair_base) + last_below -
+                        Wide::product(quotient_[first_pair + k - 1], w1);
                 break;
             }
-            quotient_[k] = q;
+            quotient_[first_pair + k] = q;
             const Wide column = column_after(k, k + 3);
-            const std::int64_t rest = (head - Wide::product(q, w0)).low();
-            head = Wide::product(rest, pair_base) + below - Wide::product(q, w1);
-            below_head = over_pair_base(column) - Wide::product(2 * q, third).shifted(64);
-            below = column - Wide::product(q, w2);
+            carry_ = over_pair_base(column);
+            below = below + Wide(carry_);
+            rest = low_bits(bits(rest) * bits(pair_base) + bits(above) - bits(q) * bits(w0));
+            estimate = Wide::product(rest * 256, shifted_base).shifted(64) + below.shifted(47) -
+                       Wide::product(q * 256, second).shifted(64);
+            last_below = below;
+            above = low_bits(bits(below.low()) - bits(q) * bits(w1));
+            below =
+                Wide(low_bits(bits(column.low()) - bits(carry_) * bits(pair_base))) - Wide::product(q, w2);
         }
-        head_ = head;
     }
 
     /* What is to be added to the last pair: -1, 0 or 1. */
@@ -170,6 +198,9 @@ private:
             const int i = j - pairs;
             const Wide subtrahend = less_divisor != 0 && i < divisor_pairs_ ? Wide(divisor_[i]) : Wide();
             total = Wide::product(left, pair_base) + column_after(pairs, j) - subtrahend;
+            if (j == pairs + 2) {
+                total = total - Wide::product(carry_, pair_base);
+            }
         }
     }
 
@@ -179,8 +210,9 @@ private:
     int divisor_pairs_;
     int pairs_ = 0;
     std::int64_t next_ = 0;
-    Wide head_;
-    std::int64_t quotient_[max_pairs];
+    std::int64_t carry_ = 0; /* what column pairs + 2 has handed to the one before it */
+    Wide head_;              /* what is left down to column pairs + 1 */
+    std::int64_t quotient_[first_pair + max_pairs] = {}; /* Q_0 is quotient_[first_pair] */
 };
 
 /* The digits as they are laid down. A window (w_2, w_1, w_0) has h = w_2 * B + w_1; the trial digit is

@@ -21,6 +21,18 @@ using std::uint64_t;
 constexpr int array_limbs = 3 * vector_limbs;
 static_assert(max_columns * 2 == array_limbs);
 
+QZOCI_AVX512 inline void store_all(const Loaded& a, Limb (&limbs)[array_limbs]) {
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        _mm512_storeu_si512(limbs + part * vector_limbs, a.part[part]);
+    }
+}
+
+QZOCI_AVX512 inline Loaded load_all(const Limb (&limbs)[array_limbs]) {
+    return {{_mm512_loadu_si512(limbs), _mm512_loadu_si512(limbs + vector_limbs),
+             _mm512_loadu_si512(limbs + 2 * vector_limbs)}};
+}
+
 /* An operand from its leading limb on, multiplied by the normalising factor. */
 struct Scaled {
     Loaded limbs;
@@ -46,23 +58,32 @@ QZOCI_AVX512 inline Scaled scale(const Loaded& x, Limb factor) {
         const Vector rest_odd = _mm512_sub_epi64(odd, _mm512_mul_epu32(upper_odd, limb));
         scaled.limbs.part[part] = _mm512_or_si512(rest_even, _mm512_slli_epi64(rest_odd, 32));
     }
-    __mmask16 makes[3];
-    __mmask16 passes[3];
+    Vector carries[4];
+    carries[3] = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         Vector& sum = scaled.limbs.part[part];
         sum = _mm512_add_epi32(sum, _mm512_alignr_epi32(upper[part + 1], upper[part], 1));
-        makes[part] = _mm512_cmpge_epu32_mask(sum, all(base));
-        passes[part] = _mm512_cmpeq_epi32_mask(sum, all(max_limb));
+        carries[part] = _mm512_srli_epi32(_mm512_sub_epi32(all(max_limb), sum), 31);
     }
-    const LimbMask out =
-        carries_out(joined(makes[0], makes[1], makes[2]), joined(passes[0], passes[1], passes[2]));
-    __mmask16 kept[3];
+    Vector largest = _mm512_setzero_si512();
     QZOCI_UNROLLED
     for (int part = 0; part < 3; ++part) {
         Vector& sum = scaled.limbs.part[part];
-        sum = _mm512_mask_add_epi32(sum, part_of(out >> 1, part), sum, all(1));
-        sum = _mm512_mask_sub_epi32(sum, part_of(out, part), sum, all(base));
+        sum = _mm512_add_epi32(_mm512_min_epu32(sum, _mm512_sub_epi32(sum, all(base))),
+                               _mm512_alignr_epi32(carries[part + 1], carries[part], 1));
+        largest = _mm512_max_epu32(largest, sum);
+    }
+    if (_mm512_cmpge_epu32_mask(largest, all(base)) != 0) {
+        Limb limbs[array_limbs];
+        store_all(scaled.limbs, limbs);
+        ripple(limbs, array_limbs);
+        scaled.limbs = load_all(limbs);
+    }
+    __mmask16 kept[3];
+    QZOCI_UNROLLED
+    for (int part = 0; part < 3; ++part) {
+        const Vector sum = scaled.limbs.part[part];
         kept[part] =
             _mm512_mask_testn_epi32_mask(_mm512_cmpeq_epi32_mask(x.part[part], suspicious), sum, sum);
     }
@@ -78,18 +99,6 @@ QZOCI_AVX512 inline const int64_t* store_columns(const Loaded& a, int64_t (&colu
         _mm512_storeu_si512(columns + 8 * part, _mm512_add_epi64(upper, _mm512_srli_epi64(a.part[part], 32)));
     }
     return columns;
-}
-
-QZOCI_AVX512 inline void store_all(const Loaded& a, Limb (&limbs)[array_limbs]) {
-    QZOCI_UNROLLED
-    for (int part = 0; part < 3; ++part) {
-        _mm512_storeu_si512(limbs + part * vector_limbs, a.part[part]);
-    }
-}
-
-QZOCI_AVX512 inline Loaded load_all(const Limb (&limbs)[array_limbs]) {
-    return {{_mm512_loadu_si512(limbs), _mm512_loadu_si512(limbs + vector_limbs),
-             _mm512_loadu_si512(limbs + 2 * vector_limbs)}};
 }
 
 /* The digits of a division from lane 0 on, zeros after them. */
