@@ -266,12 +266,13 @@ bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shif
         }
     } else {
         const Reciprocal reciprocal(divisor);
-        const uint64_t pair_quotient = pair_base / divisor;
-        const uint64_t pair_rest = pair_base % divisor;
+        const uint64_t pair_quotient = reciprocal.quotient(pair_base);
+        const uint64_t pair_rest = pair_base - pair_quotient * divisor;
         const uint64_t step = pair_rest * divisor;
         uint64_t rest = 0;
         uint64_t w = pair_at(dividend.first);
-        for (int i = start; i <= deciding_limb; i += 2) {
+        const int last = dividend.last + shift;
+        for (int i = start; i <= deciding_limb && (i <= last || rest != 0); i += 2) {
             const uint64_t low = reciprocal.quotient(w);
             const uint64_t pair = rest * pair_quotient + low;
             limbs[i] = static_cast<Limb>(pair / base);
