@@ -6,6 +6,7 @@ enter_work_folder
 
 mkdir -p tree/{qzoci/limbs,log,include/qzoci,tools/qznum,examples}
 cp "$SOURCE"/qzoci/*.h tree/qzoci
+cp "$SOURCE"/qzoci/limbs/*.h tree/qzoci/limbs
 echo >tree/qzoci/limbs/product.h
 plant() {
     printf '#include %s\n' "$2" >>"tree/$1"

@@ -47,17 +47,17 @@ if grep -q -F '.data.rel.ro' findings; then
 fi
 scan faultless.o || fail "the faultless object does not pass"
 
-# The one datum allowed is an int of the dispatch.
+# The one datum allowed is a pointer of the dispatch.
 cat >dispatch.cpp <<'SOURCE'
-int cached_level;
+const void* kernels_in_use;
 SOURCE
 cp dispatch.cpp other.cpp
-(cat dispatch.cpp && echo 'int second;') >two/dispatch.cpp
+(cat dispatch.cpp && echo 'int second = 0;') >two/dispatch.cpp
 for file in dispatch.cpp other.cpp two/dispatch.cpp; do
     "$CXX" -O2 -fPIC -c "$file" -o "$file.o"
     ar rc "$file.a" "$file.o"
 done
-scan dispatch.cpp.a || fail "the cached level is reported"
+scan dispatch.cpp.a || fail "the pointer to the kernels is reported"
 for archive in other.cpp.a two/dispatch.cpp.a; do
     expect_equal "$archive" "writable data: .bss" "$(scan "$archive")"
 done
