@@ -8,9 +8,9 @@
  * with its operands, 2: wrong usage. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/oci_calc_number_arithmetic.h"
-#include "tests/limbs/effect.h"
 #include "tests/limbs/random_records.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/side_effect.h"
 
 #include <algorithm>
 #include <array>
@@ -121,8 +121,8 @@ long compare(const std::vector<const Operation*>& urn, Operands (*draw)(RandomRe
         }
         const Operation& drawn = *urn[records.below(urn.size())];
         const Operands operands = draw(records);
-        const Effect plain = effect_of(drawn, Side::plain, operands);
-        const Effect fast = effect_of(drawn, Side::fast, operands);
+        const SideEffect plain = effect_of(drawn, Side::plain, operands);
+        const SideEffect fast = effect_of(drawn, Side::fast, operands);
         if (!(plain == fast)) {
             ++differences;
             std::printf("%s\n", difference_text(drawn, operands, plain, fast).c_str());

@@ -2,9 +2,9 @@
  * lines of the plain steps. */
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/oci_calc_number_elementary.h"
-#include "tests/limbs/effect.h"
 #include "tests/limbs/levels.h"
 #include "tests/limbs/random_records.h"
+#include "tests/support/side_effect.h"
 
 #include <gtest/gtest.h>
 
@@ -19,8 +19,8 @@ constexpr engine::Trace plain = {false, false};
 testing::AssertionResult agrees(const Operation& o, const QZCICalcNumber& a, const QZCICalcNumber& b,
                                 const OCINumber& stored = poison_stored()) {
     const Operands operands = {a, b, stored};
-    const Effect expected = effect_of(o, Side::plain, operands);
-    const Effect actual = effect_of(o, Side::fast, operands);
+    const SideEffect expected = effect_of(o, Side::plain, operands);
+    const SideEffect actual = effect_of(o, Side::fast, operands);
     if (expected == actual) {
         return testing::AssertionSuccess();
     }

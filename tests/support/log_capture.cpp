@@ -77,7 +77,8 @@ std::string CapturedLine::rendered() const {
     return (level ? std::to_string(*level) : "out") + "|" + text;
 }
 
-LogCapture::LogCapture(PointerNames names) : outer_(innermost_capture), names_(std::move(names)) {
+LogCapture::LogCapture(PointerNames names, LineFilter filter)
+    : outer_(innermost_capture), names_(std::move(names)), filter_(filter) {
     innermost_capture = this;
 }
 
@@ -134,7 +135,7 @@ using qzoci::test::innermost_capture;
 
 /* The engine refers to both functions; they stand in one object file, as the header asks of a host. */
 void qzoci_log_inner(log_level level, const char* file, const long line, const char* fmt, ...) {
-    if (innermost_capture == nullptr) {
+    if (innermost_capture == nullptr || !innermost_capture->keeps(level, fmt)) {
         return;
     }
     qzoci::test::VariadicArguments arguments;

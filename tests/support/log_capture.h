@@ -46,12 +46,23 @@ struct CapturedLine {
     std::string rendered() const;
 };
 
+/* Which lines of the logging function a capture records; called before a line's text is formed. */
+using LineFilter = bool (*)(log_level level, const char* format);
+
+inline bool every_line(log_level /* level */, const char* /* format */) {
+    return true;
+}
+
+inline bool all_but_debug(log_level level, const char* /* format */) {
+    return level != LOG_LEVEL_DEBUG;
+}
+
 /* Records, from construction to destruction, what this thread writes through the logging function and with
  * puts, in one sequence. Captures nest; the innermost alone records. Keep its scope to the calls under test:
  * puts is recorded whoever calls it, the test framework included. */
 class LogCapture {
 public:
-    explicit LogCapture(PointerNames names = {});
+    explicit LogCapture(PointerNames names = {}, LineFilter filter = every_line);
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
@@ -68,9 +79,12 @@ public:
 
     const PointerNames& names() const { return names_; }
 
+    bool keeps(log_level level, const char* format) const { return filter_(level, format); }
+
 private:
     LogCapture* outer_;
     PointerNames names_;
+    LineFilter filter_;
     std::vector<CapturedLine> lines_;
     int questions_ = 0;
 };

@@ -71,6 +71,14 @@ TEST(LogCapture, RecordsInTheInnermostOneOnly) {
     EXPECT_EQ(rendered(outer.lines()), (Lines{"2|outside"}));
 }
 
+TEST(LogCapture, RecordsWhatItsFilterKeeps) {
+    const LogCapture capture({}, all_but_debug);
+    qzoci_log_inner(LOG_LEVEL_DEBUG, "file", 1, "step %d", 1);
+    qzoci_log_inner(LOG_LEVEL_ERROR, "file", 2, "error %d", 2);
+    std::puts("printed");
+    EXPECT_EQ(rendered(capture.lines()), (std::vector<std::string>{"5|error 2", "out|printed"}));
+}
+
 TEST(LogCapture, IsOfItsThread) {
     const LogCapture capture;
     std::thread(write_line, LOG_LEVEL_DEBUG, "elsewhere").join();

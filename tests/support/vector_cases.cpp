@@ -40,23 +40,6 @@ ub8 digest_from_text(std::string_view text) {
     return value;
 }
 
-/* Null for the operand "N". */
-std::optional<QZCICalcNumber> operand_from_text(std::string_view text) {
-    if (text == "N") {
-        return std::nullopt;
-    }
-    if (remove_prefix(text, "O:")) {
-        return record_from_stored(text);
-    }
-    if (remove_prefix(text, "D:")) {
-        return record_from_decimal(text);
-    }
-    if (remove_prefix(text, "R:")) {
-        return record_from_fields(text);
-    }
-    malformed("not an operand", text);
-}
-
 std::string limbs_text(std::span<const ub4> limbs) {
     std::string text;
     for (const ub4 limb : limbs) {
@@ -355,6 +338,22 @@ VectorCase take_case(LineReader& reader) {
 }
 
 } // namespace
+
+std::optional<QZCICalcNumber> operand_from_text(std::string_view text) {
+    if (text == "N") {
+        return std::nullopt;
+    }
+    if (remove_prefix(text, "O:")) {
+        return record_from_stored(text);
+    }
+    if (remove_prefix(text, "D:")) {
+        return record_from_decimal(text);
+    }
+    if (remove_prefix(text, "R:")) {
+        return record_from_fields(text);
+    }
+    malformed("not an operand", text);
+}
 
 Request parse_request(std::string_view text) {
     Request request;

@@ -28,6 +28,9 @@ struct Request {
 /* Throws std::invalid_argument on an empty name. The arguments are not looked at. */
 Request parse_request(std::string_view text);
 
+/* The record of an operand's text, none for a null pointer. Throws std::invalid_argument on anything else. */
+std::optional<QZCICalcNumber> operand_from_text(std::string_view text);
+
 /* What an operation leaves behind, its lines aside. */
 struct Effect {
     sb8 status = 0;
