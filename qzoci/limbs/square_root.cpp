@@ -55,10 +55,12 @@ public:
     }
 
 private:
-    /* 2^(62 + e) / (2 * (S_0 + S_1 / 10^16)) for e = the bit width of 2 * S_0, a few units off at most. */
+    /* 2^(62 + e) / (2 * (S_0 + S_1 / 10^16)) for e = the bit width of 2 * S_0 - 4, a few units off at most. The 4
+     * keeps it below 2^63 where S_0 is a power of two: S_1 is at least -1.1 * 10^16, so the divisor is above
+     * 2^(e - 1) + 1. */
     struct Divisor {
         Divisor(int64_t s0, int64_t s1) {
-            const auto e = static_cast<int>(std::bit_width(static_cast<uint64_t>(2 * s0)));
+            const auto e = static_cast<int>(std::bit_width(static_cast<uint64_t>(2 * s0 - 4)));
             const double y0 = 2.0 * static_cast<double>(s0);
             const double y1 = 2.0 * static_cast<double>(s1) / 1e16;
             const auto rough = static_cast<int64_t>(std::ldexp(1.0, 62 + e) / (y0 + y1));

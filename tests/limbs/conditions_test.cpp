@@ -496,6 +496,23 @@ TEST_P(FastRoot, JumpsToAnIsolatedRoot) {
     EXPECT_EQ(taken_for_root(decimal("7.00000000000000000000000001")), Taken::finished);
 }
 
+/* The leading pair of limbs of the root is a power of two, where the inverse of the divisor is at its largest. */
+TEST_P(FastRoot, JumpsToRootsJustAboveAPowerOfTwo) {
+    constexpr engine::Trace plain = {false, false};
+    const QZCICalcNumber root_of_two = decimal("1.4142135623730950488016887");
+    for (int exponent = 27; exponent <= 53; ++exponent) {
+        QZCICalcNumber power;
+        initCalcNumberFromInt(&power, sb8{1} << exponent);
+        QZCICalcNumber square;
+        engine::mul(plain, &power, &power, &square);
+        EXPECT_EQ(taken_for_root(square), Taken::finished) << exponent;
+        QZCICalcNumber number;
+        engine::mul(plain, &power, &root_of_two, &number);
+        engine::add(plain, &square, &number, &number);
+        EXPECT_EQ(taken_for_root(number), Taken::finished) << exponent;
+    }
+}
+
 TEST_P(FastRoot, JumpsToAnExactRoot) {
     EXPECT_EQ(taken_for_root(decimal("1e100")), Taken::finished);
     EXPECT_EQ(taken_for_root(decimal("1e-80")), Taken::finished);
