@@ -153,8 +153,8 @@ QZOCI_AVX2 inline Loaded carries_in(const Loaded& makes, const Loaded& passes) {
     return in;
 }
 
-QZOCI_AVX2 inline bool is_set_at_limb_0(Vector part_0) {
-    return (_mm256_movemask_epi8(part_0) & 1) != 0;
+QZOCI_AVX2 inline Limb limb_0(Vector part_0) {
+    return static_cast<Limb>(_mm_cvtsi128_si32(_mm256_castsi256_si128(part_0)));
 }
 
 /* ---- Rounding at limb 39 ---- */
@@ -277,16 +277,19 @@ QZOCI_AVX2 bool sum_avx2(const Aligned& operands, Limb* result, Extent& extent) 
         passes.part[part] = _mm256_cmpeq_epi32(sum.part[part], all(max_limb));
     }
     const Loaded carry = carries_in(makes, passes);
-    /* A carry into limb 0 is an overflow; one out of it would be lost here. */
-    if (any_from(largest(largest_limbs), base) ||
-        is_set_at_limb_0(_mm256_or_si256(carry.part[0], makes.part[0]))) {
+    QZOCI_UNROLLED
+    for (int part = 0; part < parts; ++part) {
+        sum.part[part] = _mm256_sub_epi32(sum.part[part], carry.part[part]);
+    }
+    /* A carry out of the operands into limb 0 is an overflow, and so is one out of limb 0. */
+    const Limb overflow = operands.first == 0 ? base : 1;
+    if (any_from(largest(largest_limbs), base) || limb_0(sum.part[0]) >= overflow) {
         return false;
     }
     QZOCI_UNROLLED
     for (int part = 0; part < parts; ++part) {
-        const Vector carried = _mm256_sub_epi32(sum.part[part], carry.part[part]);
         /* Below base, the difference wraps and is the larger. */
-        sum.part[part] = _mm256_min_epu32(carried, _mm256_sub_epi32(carried, all(base)));
+        sum.part[part] = _mm256_min_epu32(sum.part[part], _mm256_sub_epi32(sum.part[part], all(base)));
     }
     store(sum, result);
     extent = extent_of(sum);

@@ -49,8 +49,8 @@ QZOCI_AVX512 __attribute__((noinline)) bool sum_with_ripples(const Aligned& oper
     }
     const LimbMask out =
         carries_out(joined(makes[0], makes[1], makes[2]), joined(passes[0], passes[1], passes[2]));
-    /* A carry into limb 0 is an overflow; one out of it would be lost here. */
-    if (!is_canonical(a) || !is_canonical(b) || (out & (bit(0) | bit(1))) != 0) {
+    /* A carry out of the operands into limb 0 is an overflow, and so is one out of limb 0. */
+    if (!is_canonical(a) || !is_canonical(b) || (out & bit(std::min(operands.first, 1))) != 0) {
         return false;
     }
     QZOCI_UNROLLED

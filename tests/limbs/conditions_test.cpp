@@ -157,6 +157,15 @@ TEST_P(FastSum, DeclinesACarryIntoLimb0) {
         Taken::finished);
 }
 
+/* Where an operand has a limb 0 of its own, a carry from limb 1 is an ordinary one. */
+TEST_P(FastSum, CarriesWithinTheOperandsIntoLimb0) {
+    const QZCICalcNumber sum_of_7 = record_from_limbs({{0, 7}, {1, 99999999}, {2, 5}});
+    EXPECT_EQ(taken(engine::add, Stretch::sum, sum_of_7, record_from_limbs({{1, 1}})), Taken::finished);
+    EXPECT_EQ(taken(engine::add, Stretch::sum, record_from_limbs({{0, 99999999}, {1, 99999999}}),
+                    record_from_limbs({{1, 1}})),
+              Taken::declined);
+}
+
 TEST_P(FastSum, CarriesThroughFullLimbs) {
     const QZCICalcNumber nines = decimal("99999999999999999999999999999999.99999999999999999999999999999999");
     EXPECT_EQ(taken(engine::add, Stretch::sum, nines, decimal("0.00000000000000000000000000000001")),
