@@ -9,9 +9,10 @@
  *   - Returns OCI_SUCCESS (0), OCI_ERROR (-1: a value, see the operation) or OCI_INVALID_HANDLE (-2: a null
  *     pointer). On a status other than OCI_SUCCESS the result record is as it was.
  *   - A result too large for the record is an infinity with the sign of the exact result, and OCI_SUCCESS.
- *   - No heap, no global state, no exceptions, no locks. Any number of threads may call at once, each on
- *     result records of its own; operands may be shared. The logging function (oci_log.h) must allow the
- *     same.
+ *   - No heap, no global state, no exceptions, no locks. Any number of threads may call at once, the first calls
+ *     of the process included, each on results of its own (records, stored numbers, text). Operands may be
+ *     shared, and in read-only memory, while no thread writes them. The logging function (oci_log.h) must allow
+ *     the same; it may be slow, and it may itself call operations, the one that writes the line too.
  *   - Any bytes and any record are accepted: malformed ones end in a status, never outside memory or without
  *     end.
  *   - Some results are deliberately not the mathematical ones (4 / 2.03 is the shortest example). They are

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <ucontext.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <random>
@@ -34,6 +36,35 @@ constexpr size_t max_stack_bytes = 16384;
 
 bool debug_lines_kept = true;
 
+/* Runs body(argument) on the given stack. */
+class OtherStack {
+public:
+    static void run(void* lowest, size_t size, void (*body)(void*), void* argument) {
+        job = {body, argument};
+        ucontext_t outside{};
+        ucontext_t inside{};
+        getcontext(&inside);
+        inside.uc_stack.ss_sp = lowest;
+        inside.uc_stack.ss_size = size;
+        inside.uc_link = &outside;
+        makecontext(&inside, run_job, 0);
+        swapcontext(&outside, &inside);
+        job = {};
+    }
+
+private:
+    struct Job {
+        void (*body)(void*) = nullptr;
+        void* argument = nullptr;
+    };
+
+    static void run_job() { job.body(job.argument); }
+
+    static Job job; /* makecontext hands over nothing but integers */
+};
+
+OtherStack::Job OtherStack::job;
+
 /* A stack whose every word holds a value that depends on its place, so that no write can go unnoticed but by
  * a coincidence of 64 bits. */
 class PaintedStack {
@@ -46,14 +77,7 @@ public:
 
     /* Runs body(argument) here; returns how many bytes of this stack have been written since its making. */
     size_t depth_after(void (*body)(void*), void* argument) {
-        job_ = {body, argument};
-        getcontext(&inside_);
-        inside_.uc_stack.ss_sp = words_.data();
-        inside_.uc_stack.ss_size = words_.size() * sizeof(words_[0]);
-        inside_.uc_link = &outside_;
-        makecontext(&inside_, run_job, 0);
-        swapcontext(&outside_, &inside_);
-        job_ = {};
+        OtherStack::run(words_.data(), words_.size() * sizeof(words_[0]), body, argument);
         size_t untouched = 0;
         while (untouched < words_.size() && words_[untouched] == paint(untouched)) {
             ++untouched;
@@ -62,22 +86,41 @@ public:
     }
 
 private:
-    struct Job {
-        void (*body)(void*) = nullptr;
-        void* argument = nullptr;
-    };
-
-    static void run_job() { job_.body(job_.argument); }
-
     static std::uint64_t paint(size_t i) { return (i + 1) * 0x9E3779B97F4A7C15U; }
 
-    static Job job_; /* makecontext hands over nothing but integers */
     std::vector<std::uint64_t> words_ = std::vector<std::uint64_t>(size_t{1} << 16U);
-    ucontext_t outside_{};
-    ucontext_t inside_{};
 };
 
-PaintedStack::Job PaintedStack::job_;
+/* A stack of the bound and what the test's own frames take, with the pages below it closed: the first byte beyond
+ * ends the process. */
+class BoundedStack {
+public:
+    BoundedStack()
+        : memory_(mmap(nullptr, guard_bytes + stack_bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)),
+          lowest_(static_cast<std::byte*>(memory_) + guard_bytes) {
+        if (memory_ == MAP_FAILED || mprotect(lowest_, stack_bytes, PROT_READ | PROT_WRITE) != 0) {
+            std::abort();
+        }
+    }
+
+    ~BoundedStack() { munmap(memory_, guard_bytes + stack_bytes); }
+
+    BoundedStack(const BoundedStack&) = delete;
+    BoundedStack& operator=(const BoundedStack&) = delete;
+
+    /* frames: what run_all and the functions between it and the operation take, at least. */
+    void run(size_t frames, void (*body)(void*), void* argument) const {
+        constexpr size_t alignment = 16;
+        OtherStack::run(lowest_, (max_stack_bytes + frames) / alignment * alignment, body, argument);
+    }
+
+private:
+    static constexpr size_t guard_bytes = size_t{1} << 20U; /* wider than any frame that could leap over it */
+    static constexpr size_t stack_bytes = size_t{1} << 16U;
+
+    void* memory_;
+    std::byte* lowest_;
+};
 
 /* Lets the engine's lines on standard output go nowhere. */
 class StandardOutputDropped {
@@ -230,6 +273,17 @@ size_t depth_of(const Operation& operation, const std::vector<Operands>& operand
     return depth;
 }
 
+void run_on_bounded_stack(const Operation& operation, const std::vector<Operands>& operands) {
+    const size_t frames = depth_of({"nothing", Form::create, do_nothing}, operands);
+    const StandardOutputDropped dropped;
+    const BoundedStack stack;
+    Run run{&operation, &operands, {}, {}, {}, {}};
+    for (const bool kept : {true, false}) {
+        debug_lines_kept = kept;
+        stack.run(frames, run_all, &run);
+    }
+}
+
 /* The limb routines have contracts on their arrays, so that hostile operands are not theirs to bear. */
 std::vector<std::string> operations_on_records() {
     std::vector<std::string> names;
@@ -257,6 +311,10 @@ TEST_P(StackTest, StaysBelowItsBound) {
     EXPECT_LE(used, max_stack_bytes);
 }
 
+TEST_P(StackTest, RunsOnAStackOfTheBoundBesideAGuardPage) {
+    run_on_bounded_stack(*qzoci::test::find_operation(GetParam()), hostile_operands());
+}
+
 INSTANTIATE_TEST_SUITE_P(Operations, StackTest, testing::ValuesIn(operations_on_records()), test_name);
 
 /* The measure itself: a function that writes a kilobyte is seen to write it. */
@@ -271,6 +329,18 @@ TEST(PaintedStackTest, SeesAKilobyte) {
     const size_t used = depth_of(kilobyte, operands) - depth_of(nothing, operands);
     EXPECT_GE(used, 1024U);
     EXPECT_LE(used, 1024U + 256U);
+}
+
+/* The guard itself: what takes more than the bound does not live. */
+TEST(BoundedStackDeathTest, EndsWhatTakesMoreThanTheBound) {
+    const auto take = [](void* argument) {
+        std::array<volatile char, max_stack_bytes + 1024> bytes;
+        for (volatile char& byte : bytes) {
+            byte = *static_cast<char*>(argument);
+        }
+    };
+    char value = 1;
+    EXPECT_DEATH(BoundedStack().run(0, take, &value), "");
 }
 
 } // namespace

@@ -11,6 +11,7 @@ namespace {
 
 thread_local LogCapture* innermost_capture = nullptr;
 thread_local bool debug_lines_kept = true;
+thread_local LineAction* line_action = nullptr;
 
 /* A va_list that functions can hand on and consume in turn. */
 struct VariadicArguments {
@@ -95,6 +96,22 @@ void LogCapture::record_standard_output(const char* text) {
     lines_.push_back({std::nullopt, "", 0, "", text});
 }
 
+LineAction::LineAction(std::function<void()> action) : action_(std::move(action)) {
+    line_action = this;
+}
+
+LineAction::~LineAction() {
+    line_action = nullptr;
+}
+
+void LineAction::run() {
+    if (!running_) {
+        running_ = true;
+        action_();
+        running_ = false;
+    }
+}
+
 std::vector<std::string> rendered(std::span<const CapturedLine> lines) {
     std::vector<std::string> texts;
     std::transform(lines.begin(), lines.end(), std::back_inserter(texts),
@@ -132,9 +149,13 @@ DebugLinesKept::~DebugLinesKept() {
 } // namespace qzoci::test
 
 using qzoci::test::innermost_capture;
+using qzoci::test::line_action;
 
 /* The engine refers to both functions; they stand in one object file, as the header asks of a host. */
 void qzoci_log_inner(log_level level, const char* file, const long line, const char* fmt, ...) {
+    if (line_action != nullptr) {
+        line_action->run();
+    }
     if (innermost_capture == nullptr || !innermost_capture->keeps(level, fmt)) {
         return;
     }

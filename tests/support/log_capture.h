@@ -7,6 +7,7 @@
 #include "qzoci/oci_log.h"
 #include "qzoci/oci_types.h"
 
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <span>
@@ -87,6 +88,22 @@ private:
     LineFilter filter_;
     std::vector<CapturedLine> lines_;
     int questions_ = 0;
+};
+
+/* What this thread's logging function does at each line before it records it, while the object lives. Lines that
+ * the action itself brings about do not start it again. */
+class LineAction {
+public:
+    explicit LineAction(std::function<void()> action);
+    ~LineAction();
+    LineAction(const LineAction&) = delete;
+    LineAction& operator=(const LineAction&) = delete;
+
+    void run();
+
+private:
+    std::function<void()> action_;
+    bool running_ = false;
 };
 
 std::vector<std::string> rendered(std::span<const CapturedLine> lines);
