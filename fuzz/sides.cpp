@@ -29,7 +29,7 @@ bool failed(const Operation& operation, const SideEffect& effect) {
 } // namespace
 
 SideEffect same_on_all_sides(const Operation& operation, const Operands& operands) {
-    const SideEffect plain = effect_of(operation, test::Side::plain, operands);
+    SideEffect plain = effect_of(operation, test::Side::plain, operands);
     for (const test::Side side : {test::Side::fast, test::Side::traced}) {
         const SideEffect other = effect_of(operation, side, operands);
         if (!(plain == other)) {

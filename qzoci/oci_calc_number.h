@@ -14,7 +14,7 @@
  *     shared, and in read-only memory, while no thread writes them. The logging function (oci_log.h) must allow
  *     the same; it may be slow, and it may itself call operations, the one that writes the line too.
  *   - Any bytes and any record are accepted: malformed ones end in a status, never outside memory or without
- *     end.
+ *     end (QZCI_MAX_DIVISIONS).
  *   - Some results are deliberately not the mathematical ones (4 / 2.03 is the shortest example). They are
  *     part of the interface: callers compare digits with results computed years ago. */
 #ifndef QZOCI_OCI_CALC_NUMBER_H
@@ -35,6 +35,13 @@ extern "C" {
 
 /* Number of limbs of a working record. */
 #define QZCI_CALC_LIMBS 40
+
+/* No call makes more divisions than this, by one limb or by several, whatever its operands and their fields: every
+ * loop is guarded. It is the count of an arcsine in which all 33 square roots and all 32 reductions run into their
+ * guards, 4098 + 1 + 32 * (4098 + 1), a root being at most 4098 divisions. A division forms at most 42 limbs, and
+ * beside each a call makes a few sums and products. The largest count known for operands in normal form is 869, of
+ * 2e-160 to the power of 1.00000004000000060000000400000001. */
+#define QZCI_MAX_DIVISIONS 135267
 
 /* The working record: a signed fixed-point decimal of 160 digits before the point and 160 after it.
  *
