@@ -1,5 +1,7 @@
 #include "qzoci/limbs/binary_digits.h"
 
+#include "qzoci/limbs/limb_pairs.h"
+
 #include <algorithm>
 #include <array>
 
@@ -8,7 +10,6 @@ namespace {
 
 using std::int64_t;
 
-constexpr int64_t pair_base = int64_t{base} * base;
 constexpr int fraction_pairs = (limb_count - units_limb - 1) / 2;
 
 /* 10^-160 is below 2^-480: its first eight digits after the point are zero. */

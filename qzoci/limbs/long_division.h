@@ -2,6 +2,7 @@
 #ifndef QZOCI_LIMBS_LONG_DIVISION_H
 #define QZOCI_LIMBS_LONG_DIVISION_H
 
+#include "qzoci/limbs/limb_pairs.h"
 #include "qzoci/limbs/limbs.h"
 #include "qzoci/limbs/reciprocal.h"
 #include "qzoci/limbs/wide.h"
@@ -11,8 +12,6 @@
 #include <cstdint>
 
 namespace qzoci::limbs {
-
-inline constexpr std::int64_t pair_base = std::int64_t{base} * base;
 
 /* Lemma 3's bound: the root of the base. */
 inline constexpr Limb small_limb = 10000;
@@ -95,12 +94,6 @@ private:
             Wide::product(std::int64_t{1} << 57, std::int64_t{1} << 58) - Wide::product(rough, divisor_[0]);
         const double rest = static_cast<double>(residue.shifted(8)) * 256.0 - static_cast<double>(rough) * w1;
         return rough + static_cast<std::int64_t>(rest * inverse);
-    }
-
-    /* floor(column / 10^16), off by 2 at most. */
-    static std::int64_t over_pair_base(Wide column) {
-        constexpr std::int64_t reduced = 2076918743413931051; /* 2^114 / 10^16 */
-        return Wide::product(column.shifted(50), reduced).shifted(64);
     }
 
     static constexpr std::uint64_t bits(std::int64_t x) { return static_cast<std::uint64_t>(x); }

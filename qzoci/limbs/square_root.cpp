@@ -1,5 +1,6 @@
 #include "qzoci/limbs/square_root.h"
 
+#include "qzoci/limbs/limb_pairs.h"
 #include "qzoci/limbs/portable.h"
 #include "qzoci/limbs/wide.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 using std::int64_t;
 using std::uint64_t;
-
-constexpr int64_t pair_base = int64_t{base} * base;
 
 /* Root limbs down to limb 39: at most from limb 10 on. */
 constexpr int max_pairs = (limb_count - 9 + 1) / 2;
@@ -78,12 +77,6 @@ private:
         int64_t inverse;
         int shift;
     };
-
-    /* floor(column / 10^16), off by 2 at most. */
-    static int64_t over_pair_base(Wide column) {
-        constexpr int64_t reduced = 2076918743413931051; /* 2^114 / 10^16 */
-        return Wide::product(column.shifted(50), reduced).shifted(64);
-    }
 
     void first_pair() {
         const Wide radicand = Wide::product(leading_pair_, pair_base) + columns_[0];
