@@ -5,9 +5,9 @@
 #include "qzoci/oci_calc_number.h"
 
 #include <qzoci/expected.hpp>
+#include <qzoci/number_bytes.hpp>
 #include <qzoci/text_error.hpp>
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -43,11 +43,6 @@ constexpr int hex_digit_value(char c) {
         return c - 'A' + 10;
     }
     return -1;
-}
-
-/* Bytes that a stored number with this length byte needs. */
-constexpr std::size_t significant_size(ub1 length) {
-    return std::min<std::size_t>(std::size_t{length} + 1, QZOCI_NUMBER_SIZE);
 }
 
 inline std::string hex_of_bytes(const OCINumber& number, std::size_t count) {

@@ -7,6 +7,7 @@
 
 #include <qzoci/expected.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +36,7 @@ struct number_error {
 /* What well-formed bytes may have without being wrong. */
 enum class number_note_kind : std::uint8_t {
     zero_with_mantissa, /* exponent byte 128 and a length above 1; not canonical */
-    leading_zero_pair,  /* not canonical */
+    leading_zero_pair,  /* not canonical, but where the exponent byte is the lowest of its sign */
     trailing_zero_pair, /* behind a non-zero pair; not canonical, but rounded negative numbers have them */
     pair_below_record   /* a non-zero pair below 100^-80: part of the value, but dropped on unpacking */
 };
@@ -130,6 +131,11 @@ inline constexpr int infinity_mark_byte = 101;
 inline constexpr int terminator_byte = 102;
 /* Base-100 exponent of the last pair of a record. */
 inline constexpr int lowest_record_weight = -80;
+
+/* Bytes that a stored number with this length byte needs. */
+constexpr std::size_t significant_size(ub1 length) {
+    return std::min<std::size_t>(std::size_t{length} + 1, QZOCI_NUMBER_SIZE);
+}
 
 constexpr number_kind kind_of(const OCINumber& number) {
     const auto& bytes = number.OCINumberPart;
