@@ -12,6 +12,24 @@ namespace qznum {
 
 namespace {
 
+constexpr const char* help = R"(Examples:
+  qznum decode 03c10233                1.5
+  qznum decode -v 043e643366           -1.5, and each of its bytes by name
+  qznum decode --file constants.txt    every number of a file
+  qznum encode 12.5 | qznum decode
+
+HEX has two digits a byte, with or without 0x before them; bytes after the length byte's count may
+be left out. Without HEX, numbers are read from FILE, or from standard input, one on each line:
+  LABEL: VALUE  # comment              label and comment may be left out
+)";
+
+struct DecodeOptions {
+    std::vector<std::string> numbers; /* none: values come from the file */
+    std::string file_name;            /* empty or "-": standard input */
+    bool every_byte = false;
+    bool force = false;
+};
+
 /* One line a byte; the ignored bytes at the end share one. */
 std::vector<std::string> byte_lines(const OCINumber& number) {
     const qzoci::number_layout layout = qzoci::layout_of(number);
@@ -92,8 +110,6 @@ private:
     Output& output_;
 };
 
-} // namespace
-
 ExitStatus decode(const DecodeOptions& options, Output& output) {
     Decoder decoder(options, output);
     const auto values = open_values(options.numbers, options.file_name);
@@ -104,6 +120,19 @@ ExitStatus decode(const DecodeOptions& options, Output& output) {
         }
     }
     return status;
+}
+
+} // namespace
+
+void add_decode(CommandLine& line) {
+    const auto options = std::make_shared<DecodeOptions>();
+    Command command = line.add("decode", "Stored numbers as exact decimals", help);
+    command.values("HEX", options->numbers, "Stored numbers");
+    command.option("--file", "FILE", options->file_name, "Read the values from FILE, - for standard input");
+    command.exclude("--file", "HEX");
+    command.flag("-v,--verbose", options->every_byte, "Also name every byte");
+    command.flag("--force", options->force, "Decode malformed bytes as the engine reads them");
+    command.action([options](Output& output) { return decode(*options, output); });
 }
 
 } // namespace qznum

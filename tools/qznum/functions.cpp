@@ -7,6 +7,15 @@
 
 namespace qznum {
 
+namespace {
+
+constexpr const char* help = R"(Examples:
+  qznum functions
+  qznum functions | grep ^sin
+
+A line has the call, what it computes, its domain, its measured accuracy and its special values.
+)";
+
 ExitStatus list_functions(Output& output) {
     for (const Function& function : functions()) {
         std::string line = fmt::format("{}({}): {}; {}; {}", function.name, function.parameters,
@@ -20,6 +29,13 @@ ExitStatus list_functions(Output& output) {
         output.result("{}: {}", constant.name, constant.summary);
     }
     return ExitStatus::ok;
+}
+
+} // namespace
+
+void add_functions(CommandLine& line) {
+    Command command = line.add("functions", "What eval can compute with, a line each", help);
+    command.action(list_functions);
 }
 
 } // namespace qznum
