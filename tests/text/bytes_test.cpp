@@ -1,5 +1,6 @@
 #include "tests/support/records.h"
 #include "tests/text/exact_value.h"
+#include "tests/text/stored_shapes.h"
 
 #include <qzoci/decimal_text.hpp>
 
@@ -202,66 +203,6 @@ TEST(Layout, NamesMalformedBytes) {
 }
 
 /* ---- Every shape of well-formed bytes ---- */
-
-struct Shape {
-    bool negative;
-    int exponent;
-    std::vector<int> pairs;
-};
-
-OCINumber encode(const Shape& shape) {
-    OCINumber number{};
-    std::size_t end = 1;
-    number.OCINumberPart[end++] =
-        static_cast<ub1>(shape.negative ? 62 - shape.exponent : 193 + shape.exponent);
-    for (const int pair : shape.pairs) {
-        number.OCINumberPart[end++] = static_cast<ub1>(shape.negative ? 101 - pair : pair + 1);
-    }
-    if (shape.negative && shape.pairs.size() < 20) {
-        number.OCINumberPart[end++] = 102;
-    }
-    number.OCINumberPart[0] = static_cast<ub1>(end - 1);
-    std::fill(std::begin(number.OCINumberPart) + static_cast<std::ptrdiff_t>(end),
-              std::end(number.OCINumberPart), ub1{0xEE});
-    return number;
-}
-
-/* The one pair of bytes that reads as an infinity cannot come up: 101 encodes no positive pair. */
-template <typename Visit>
-void for_every_shape(Visit visit) {
-    std::mt19937_64 random(5);
-    const auto pair_of_pattern = [&random](int pattern, std::size_t i) {
-        constexpr std::array constants = {1, 99, 10, 0};
-        switch (pattern) {
-        case 4:
-            return i == 0 ? 1 : 0;
-        case 5:
-            return static_cast<int>(random() % 100);
-        case 6:
-            return i % 2 == 0 ? 0 : 99;
-        default:
-            return constants[static_cast<std::size_t>(pattern)];
-        }
-    };
-    for (const bool negative : {false, true}) {
-        for (int exponent = negative ? -65 : -64; exponent <= 62; ++exponent) {
-            for (std::size_t count = 1; count <= 20; ++count) {
-                for (int pattern = 0; pattern < 7; ++pattern) {
-                    Shape shape{negative, exponent, std::vector<int>(count)};
-                    for (std::size_t i = 0; i < count; ++i) {
-                        shape.pairs[i] = pair_of_pattern(pattern, i);
-                    }
-                    visit(shape);
-                }
-            }
-        }
-    }
-}
-
-mpz_class value_of(const Shape& shape) {
-    const mpz_class magnitude = value_of_pairs(shape.pairs, shape.exponent);
-    return shape.negative ? mpz_class(-magnitude) : magnitude;
-}
 
 TEST(FormatNumber, EveryShapeHasItsExactValue) {
     int shapes = 0;
