@@ -2,7 +2,7 @@
 #include "tools/qznum/expression.hpp"
 #include "fuzz/demand.h"
 #include "fuzz/target.h"
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 #include "tools/qznum/evaluate.hpp"
 
 #include <algorithm>

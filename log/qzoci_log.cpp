@@ -1,4 +1,4 @@
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 #include <algorithm>
 #include <array>

@@ -29,9 +29,20 @@
 #define QZOCI_API
 #endif
 
+/* Version of this header, after semantic versioning: as long as MAJOR is 0, MINOR counts the incompatible changes. */
+#define QZOCI_VERSION_MAJOR 0
+#define QZOCI_VERSION_MINOR 1
+#define QZOCI_VERSION_PATCH 0
+
+/* The same as one number that can be compared, MAJOR * 1000000 + MINOR * 1000 + PATCH. */
+#define QZOCI_VERSION (QZOCI_VERSION_MAJOR * 1000000 + QZOCI_VERSION_MINOR * 1000 + QZOCI_VERSION_PATCH)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* Version of the library that is linked, as text: "0.1.0". A static string, never null. No trace. */
+QZOCI_API const char* qzoci_version(void);
 
 /* Number of limbs of a working record. */
 #define QZCI_CALC_LIMBS 40

@@ -570,6 +570,13 @@ using namespace qzoci::engine;
 
 extern "C" {
 
+#define TEXT_OF(macro) TEXT_OF_TOKENS(macro)
+#define TEXT_OF_TOKENS(tokens) #tokens
+
+const char* qzoci_version() {
+    return TEXT_OF(QZOCI_VERSION_MAJOR) "." TEXT_OF(QZOCI_VERSION_MINOR) "." TEXT_OF(QZOCI_VERSION_PATCH);
+}
+
 ub4 pow_100(ub4 exp) {
     ub4 power = 1;
     for (ub4 i = 0; i < exp; ++i) {

@@ -1,5 +1,5 @@
 /* Compiled, not run, in every C standard the header is meant for. */
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 static void receive(void* user, log_level level, const char* file, long line, const char* text) {
     (void)user;

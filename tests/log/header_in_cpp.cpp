@@ -1,5 +1,5 @@
 /* Compiled, not run, in every C++ standard the header is meant for. */
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 #include <type_traits>
 

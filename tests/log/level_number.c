@@ -1,6 +1,6 @@
 #include "tests/log/level_number.h"
 
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 void write_line_of_level_number(int number) {
     qzoci_log_inner((log_level)number, "file", 1, "a line");

@@ -1,6 +1,6 @@
 /* The program that the tests run where a process of its own is needed: a fresh environment, standard error,
  * the end of the process. Its first argument names one of the functions below. */
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 #include <csignal>
 #include <cstdio>

@@ -2,7 +2,7 @@
 #ifndef QZOCI_TESTS_LOG_LOG_TEST_TOOLS_H
 #define QZOCI_TESTS_LOG_LOG_TEST_TOOLS_H
 
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 #include <filesystem>
 #include <mutex>

@@ -25,7 +25,7 @@ may_include() {
         ;;
     log/*) echo 'log/.*|qzoci/oci_log\.h' ;;
     include/qzoci/*) echo "$public|include/qzoci/.*" ;;
-    tools/* | examples/*) echo "$public|include/qzoci/.*|log/qzoci_log\.h|${1%/*}/.*" ;;
+    tools/* | examples/*) echo "$public|include/qzoci/.*|log/qzoci/qzoci_log\.h|${1%/*}/.*" ;;
     *) echo - ;;
     esac
 }
@@ -33,7 +33,7 @@ may_include() {
 # from_root FILE INCLUDED: the included file as a path from the root, or nothing for one that is not the project's
 from_root() {
     local candidate
-    for candidate in "${1%/*}/$2" "$2" "include/$2"; do
+    for candidate in "${1%/*}/$2" "$2" "include/$2" "log/$2"; do
         if [[ -e $candidate ]]; then
             realpath --relative-to=. "$candidate"
             return

@@ -3,6 +3,7 @@
 #   ENGINE           build folder of the engine alone, made by engine_alone.sh
 #   STATIC_LIBRARY   and
 #   SHARED_LIBRARY   in it
+#   INSTALLED        where install.sh leaves what is installed
 #   WORK             a folder of the test's own
 #   CC, CXX          compilers
 # shellcheck shell=bash
@@ -25,4 +26,20 @@ enter_work_folder() {
     rm -rf "$WORK"
     mkdir -p "$WORK"
     cd "$WORK"
+}
+
+# The public functions, as the shared library exports them.
+exported_functions() {
+    nm --dynamic --defined-only "$1" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' | sort
+}
+
+# The version that the public header states, as MAJOR.MINOR.PATCH.
+header_version() {
+    sed -n -E 's/^#define QZOCI_VERSION_(MAJOR|MINOR|PATCH) ([0-9]+)$/\2/p' "$SOURCE/qzoci/oci_calc_number.h" |
+        paste -s -d .
+}
+
+# pkg-config on the installed engine.
+package_config() {
+    PKG_CONFIG_PATH=$INSTALLED/engine/lib/pkgconfig pkg-config "$@"
 }

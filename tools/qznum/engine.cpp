@@ -1,6 +1,6 @@
 #include "engine.hpp"
 
-#include "log/qzoci_log.h"
+#include "qzoci/qzoci_log.h"
 
 #include <fmt/format.h>
 #include <qzoci/decimal_text.hpp>
