@@ -49,7 +49,7 @@ public:
 
     /** The integer, exactly and in canonical form. */
     template <exact_integer Integer>
-    constexpr number(Integer value) noexcept; // NOLINT(google-explicit-constructor): nothing is lost
+    constexpr number(Integer value) noexcept;
 
     /** All 22 bytes. */
     constexpr std::span<const ub1, size> bytes() const noexcept {
