@@ -1,4 +1,5 @@
-/* Exact decimal text of records and stored numbers, in and out. No digit is ever cut, in either direction. */
+/* Decimal text of records and stored numbers, in and out. No digit is ever cut on the way in, and on the way out only
+ * where a format asks for a number of digits. */
 #ifndef QZOCI_DECIMAL_TEXT_HPP
 #define QZOCI_DECIMAL_TEXT_HPP
 
@@ -8,6 +9,7 @@
 #include <qzoci/hex_text.hpp>
 #include <qzoci/number_bytes.hpp>
 #include <qzoci/text_error.hpp>
+#include <qzoci/text_format.hpp>
 
 #include <array>
 #include <cstddef>
@@ -16,7 +18,7 @@
 
 namespace qzoci {
 
-/* ---- Text to record ----
+/* ---- Text in ----
  *
  *     number   = [sign] (decimal [exponent] | "inf")
  *     decimal  = digits ["." [digits]] | "." digits
@@ -24,14 +26,15 @@ namespace qzoci {
  *     sign     = "+" | "-"
  *
  * Digits are the ASCII ones; letters count in either case. No blanks, no digit separators, no other names of
- * infinity. Text and exponent may be of any length. Zero digits may stand anywhere; a non-zero digit must fit
- * the record, that is have a weight of 10^159 to 10^-160.
+ * infinity. Text and exponent may be of any length. Zero digits may stand anywhere; the other ones must fit what the
+ * number goes into.
  *
- * The record is in normal form. A zero keeps the sign written before it, so "-0" is a zero with sign -1. */
+ * What breaks the grammar comes first (number_expected, digit_expected, exponent_digit_expected,
+ * trailing_characters), then the first digit that does not fit. */
 
-/* The whole text as one number.
- * Errors: what breaks the grammar comes first (number_expected, digit_expected, exponent_digit_expected,
- * trailing_characters), then the first digit that does not fit (digit_too_high, digit_too_low). */
+/* The whole text as one record, in normal form. A non-zero digit must have a weight of 10^159 to 10^-160. A zero keeps
+ * the sign written before it, so "-0" is a zero with sign -1.
+ * Errors: the grammar; digit_too_high, digit_too_low. */
 constexpr expected<QZCICalcNumber, text_error> parse_record(std::string_view text);
 
 struct record_prefix {
@@ -45,25 +48,23 @@ struct record_prefix {
  * number with a digit that does not fit is digit_too_high or digit_too_low, never a shorter number. */
 constexpr expected<record_prefix, text_error> parse_record_prefix(std::string_view text);
 
-/* ---- Out to text ----
- *
- * Plain decimal: "-12.5", "0.001", "100000". No exponent, no plus sign, no zeros at the end of a fraction, no
- * point without a fraction, one zero before the point of a fraction, "0" for a zero of either sign, "inf",
- * "-inf". */
+/* ---- Out to text ---- */
 
-/* The exact value of any record: limbs above 99999999 carry, so there can be 162 digits before the point.
- * Looks at limbs, sign and infinity flag alone, as QZCICalcNumInit does: positions and the zero flag are not
- * trusted, a sign other than -1 counts as positive, an infinity flag other than 0 hides the limbs. */
-inline std::string format_record(const QZCICalcNumber& record);
+/* The value of any record: limbs above 99999999 carry, so there can be 162 digits before the point. Looks at limbs,
+ * sign and infinity flag alone, as QZCICalcNumInit does: positions and the zero flag are not trusted, a sign other than
+ * -1 counts as positive, an infinity flag other than 0 hides the limbs. */
+inline std::string format_record(const QZCICalcNumber& record, const text_format& format = {});
 
-/* The exact value of well-formed bytes, also of pairs below 10^-160, which the engine would drop. Not
- * canonical is not wrong here. Errors: those of validate. */
-inline expected<std::string, number_error> format_number(const OCINumber& number);
+/* The value of well-formed bytes, also of pairs below 10^-160, which the engine would drop. Not canonical is not wrong
+ * here. Errors: those of validate. */
+inline expected<std::string, number_error> format_number(const OCINumber& number,
+                                                         const text_format& format = {});
 
 /* The value the engine reads from any bytes: format_record of what QZCICalcNumFromNumber makes of them.
  * Error: a bad length byte alone. The bytes are unpacked by the engine, which may write log lines about it.
  */
-inline expected<std::string, number_error> format_number_as_read(const OCINumber& number);
+inline expected<std::string, number_error> format_number_as_read(const OCINumber& number,
+                                                                 const text_format& format = {});
 
 /* ---- Definitions ---- */
 
@@ -187,6 +188,23 @@ constexpr text_error continuation_error(std::string_view text, const scanned_num
     return {number.end, text_fault::trailing_characters};
 }
 
+/* The text as one number, to its end. */
+constexpr expected<scanned_number, text_error> scan_whole_number(std::string_view text) {
+    const auto number = scan_number(text);
+    if (number && (*number).end != text.size()) {
+        return unexpected(continuation_error(text, *number));
+    }
+    return number;
+}
+
+/* 10^weight is what a one at this position of the text counts. */
+constexpr sb8 digit_weight(const scanned_number& number, std::size_t position) {
+    const auto distance = static_cast<sb8>(number.point) - static_cast<sb8>(position);
+    return number.exponent + (distance > 0 ? distance - 1 : distance);
+}
+
+/* ---- Into a record ---- */
+
 /* Adds digit * 10^weight. Precondition: weight inside the record, the digit's place still zero. */
 constexpr void place_digit(QZCICalcNumber& record, int digit, int weight) {
     const int place = highest_weight - weight;
@@ -208,12 +226,6 @@ constexpr void locate_limbs(QZCICalcNumber& record) {
         }
     }
     record.is_zero = record.start_pos < 0 ? 1 : 0;
-}
-
-/* 10^weight is what a one at this position of the text counts. */
-constexpr sb8 digit_weight(const scanned_number& number, std::size_t position) {
-    const auto distance = static_cast<sb8>(number.point) - static_cast<sb8>(position);
-    return number.exponent + (distance > 0 ? distance - 1 : distance);
 }
 
 /* The record of a scanned number, or its first digit that does not fit. */
@@ -242,74 +254,79 @@ constexpr expected<QZCICalcNumber, text_error> record_of(std::string_view text,
     return record;
 }
 
-/* The digits of value, filled up with leading zeros, into the characters before end. Returns where they
- * begin. */
-constexpr char* write_digits_before(char* end, ub4 value, int count) {
-    for (int i = 0; i < count; ++i) {
-        *--end = static_cast<char>('0' + value % 10);
+/* ---- Out to text ---- */
+
+/* Writes the last `count` digits of value, filled up with leading zeros. */
+constexpr void write_digits(char* out, ub4 value, int count) {
+    for (int i = count - 1; i >= 0; --i) {
+        out[i] = static_cast<char>('0' + value % 10);
         value /= 10;
     }
-    return end;
 }
 
-/* The plain decimal text of 0.DIGITS * 10^integer_digits. */
-inline std::string plain_decimal(bool negative, std::string_view digits, std::ptrdiff_t integer_digits) {
-    const std::size_t first = digits.find_first_not_of('0');
-    if (first == std::string_view::npos) {
-        return "0";
+/* See format_record for what it looks at. */
+constexpr decimal_value decimal_of(const QZCICalcNumber& record) {
+    decimal_value value;
+    value.negative = record.num_signed == -1;
+    value.infinite = record.num_infinity != 0;
+    if (value.infinite) {
+        return value;
     }
-    digits = digits.substr(first, digits.find_last_not_of('0') + 1 - first);
-    integer_digits -= static_cast<std::ptrdiff_t>(first);
+    value.count = max_decimal_digits;
+    value.point = limb_digits + highest_weight + 1;
+    char* out = value.buffer.data() + value.count;
+    ub8 carry = 0;
+    for (int i = QZCI_CALC_LIMBS - 1; i >= 0; --i) {
+        const ub8 limb = record.data_part[i] + carry;
+        carry = limb / limb_base;
+        out -= limb_digits;
+        write_digits(out, static_cast<ub4>(limb % limb_base), limb_digits);
+    }
+    write_digits(value.buffer.data(), static_cast<ub4>(carry), limb_digits);
+    trim(value);
+    value.negative = value.negative && value.count > 0;
+    return value;
+}
 
-    std::string text = negative ? "-" : "";
-    if (integer_digits <= 0) {
-        text += "0.";
-        text.append(static_cast<std::size_t>(-integer_digits), '0');
-        text += digits;
-        return text;
+/* Precondition: the bytes are well-formed. */
+constexpr decimal_value decimal_of_well_formed(const OCINumber& number) {
+    decimal_value value;
+    const number_kind kind = kind_of(number);
+    value.negative = kind == number_kind::negative || kind == number_kind::negative_infinity;
+    value.infinite = kind == number_kind::positive_infinity || kind == number_kind::negative_infinity;
+    if (!has_pairs(kind)) {
+        return value;
     }
-    const auto point = static_cast<std::size_t>(integer_digits);
-    text += digits.substr(0, point);
-    if (digits.size() > point) {
-        text += '.';
-        text += digits.substr(point);
-    } else {
-        text.append(point - digits.size(), '0');
+    const auto& bytes = number.OCINumberPart;
+    const int end = bytes[0] + (value.negative && ends_in_terminator(number) ? 0 : 1);
+    char* out = value.buffer.data();
+    for (int offset = first_pair_offset; offset < end; ++offset) {
+        const int byte = bytes[offset];
+        write_digits(out, static_cast<ub4>(value.negative ? 101 - byte : byte - 1), 2);
+        out += 2;
     }
+    value.count = static_cast<std::size_t>(out - value.buffer.data());
+    value.point = 2 * (exponent_of(kind, bytes[1]) + 1);
+    trim(value);
+    value.negative = value.negative && value.count > 0;
+    return value;
+}
+
+inline std::string text_of(decimal_value& value, const text_format& format) {
+    const text_layout layout(value, format);
+    std::string text(layout.size(), '\0');
+    layout.write(text.data());
     return text;
-}
-
-inline std::string infinity_text(bool negative) {
-    return negative ? "-inf" : "inf";
-}
-
-/* The value of the pairs of a well-formed positive or negative number. */
-inline std::string format_pairs(const number_layout& layout) {
-    std::array<char, 2 * max_pairs> digits{};
-    char* end = digits.data();
-    for (const number_byte& byte : layout.bytes) {
-        if (byte.role == byte_role::pair) {
-            end += 2;
-            write_digits_before(end, static_cast<ub4>(byte.pair), 2);
-        }
-    }
-    const auto count = static_cast<std::size_t>(end - digits.data());
-    const std::ptrdiff_t integer_pairs = layout.exponent + 1;
-    return plain_decimal(layout.kind == number_kind::negative, {digits.data(), count}, 2 * integer_pairs);
 }
 
 } // namespace detail
 
 constexpr expected<QZCICalcNumber, text_error> parse_record(std::string_view text) {
-    const auto scan = detail::scan_number(text);
+    const auto scan = detail::scan_whole_number(text);
     if (!scan) {
         return unexpected(scan.error());
     }
-    const detail::scanned_number& number = *scan;
-    if (number.end != text.size()) {
-        return unexpected(detail::continuation_error(text, number));
-    }
-    return detail::record_of(text, number);
+    return detail::record_of(text, *scan);
 }
 
 constexpr expected<record_prefix, text_error> parse_record_prefix(std::string_view text) {
@@ -325,52 +342,27 @@ constexpr expected<record_prefix, text_error> parse_record_prefix(std::string_vi
     return record_prefix{*record, number.end};
 }
 
-inline std::string format_record(const QZCICalcNumber& record) {
-    const bool negative = record.num_signed == -1;
-    if (record.num_infinity != 0) {
-        return detail::infinity_text(negative);
-    }
-    constexpr std::size_t groups = 1 + QZCI_CALC_LIMBS; /* the carry out of limb 0, then the limbs */
-    std::array<char, groups * detail::limb_digits> digits{};
-    char* end = digits.data() + digits.size();
-    ub8 carry = 0;
-    for (int i = QZCI_CALC_LIMBS - 1; i >= 0; --i) {
-        const ub8 limb = record.data_part[i] + carry;
-        carry = limb / detail::limb_base;
-        end =
-            detail::write_digits_before(end, static_cast<ub4>(limb % detail::limb_base), detail::limb_digits);
-    }
-    detail::write_digits_before(end, static_cast<ub4>(carry), detail::limb_digits);
-    return detail::plain_decimal(negative, {digits.data(), digits.size()},
-                                 detail::limb_digits + detail::highest_weight + 1);
+inline std::string format_record(const QZCICalcNumber& record, const text_format& format) {
+    detail::decimal_value value = detail::decimal_of(record);
+    return detail::text_of(value, format);
 }
 
-inline expected<std::string, number_error> format_number(const OCINumber& number) {
+inline expected<std::string, number_error> format_number(const OCINumber& number, const text_format& format) {
     const auto notes = validate(number);
     if (!notes) {
         return unexpected(notes.error());
     }
-    const number_layout layout = layout_of(number);
-    switch (layout.kind) {
-    case number_kind::positive_infinity:
-    case number_kind::negative_infinity:
-        return detail::infinity_text(layout.kind == number_kind::negative_infinity);
-    case number_kind::positive:
-    case number_kind::negative:
-        return detail::format_pairs(layout);
-    case number_kind::zero:
-    case number_kind::bad_length:
-        break;
-    }
-    return "0";
+    detail::decimal_value value = detail::decimal_of_well_formed(number);
+    return detail::text_of(value, format);
 }
 
-inline expected<std::string, number_error> format_number_as_read(const OCINumber& number) {
+inline expected<std::string, number_error> format_number_as_read(const OCINumber& number,
+                                                                 const text_format& format) {
     QZCICalcNumber record;
     if (QZCICalcNumFromNumber(&record, &number) != OCI_SUCCESS) {
         return unexpected(number_error{0, number_fault::length});
     }
-    return format_record(record);
+    return format_record(record, format);
 }
 
 } // namespace qzoci

@@ -160,6 +160,11 @@ constexpr bool has_pairs(number_kind kind) {
     return kind == number_kind::positive || kind == number_kind::negative;
 }
 
+/* Base-100 exponent of the first pair. Precondition: has_pairs(kind). */
+constexpr int exponent_of(number_kind kind, int exponent_byte) {
+    return kind == number_kind::positive ? exponent_byte - 193 : 62 - exponent_byte;
+}
+
 /* Whether the last byte that the length of a negative number counts is its terminator and not a 20th pair. */
 constexpr bool ends_in_terminator(const OCINumber& number) {
     const int length = number.OCINumberPart[0];
@@ -317,7 +322,7 @@ constexpr number_layout layout_of(const OCINumber& number) {
         layout.bytes[2].role = byte_role::infinity_mark;
     }
     if (detail::has_pairs(kind)) {
-        layout.exponent = kind == number_kind::positive ? exponent_byte - 193 : 62 - exponent_byte;
+        layout.exponent = detail::exponent_of(kind, exponent_byte);
         detail::lay_out_mantissa(number, layout);
     }
     return layout;

@@ -14,8 +14,11 @@ enum class text_fault : std::uint8_t {
     digit_expected,          /* a point with no digit before it and none after it */
     exponent_digit_expected, /* an exponent mark, or its sign, without a digit after it */
     trailing_characters,     /* a whole number, and then something else */
-    digit_too_high,          /* a non-zero digit of weight 10^160 or above */
-    digit_too_low,           /* a non-zero digit of weight below 10^-160 */
+    digit_too_high,          /* a non-zero digit of weight 10^160 or above: no record holds it */
+    digit_too_low,           /* a non-zero digit of weight below 10^-160: no record holds it */
+    number_too_large,        /* a magnitude of 10^126 or above: no stored number holds it */
+    number_too_small,        /* not zero, but below 10^-166 in magnitude (negative numbers: 10^-168) */
+    too_many_digits,         /* a non-zero digit below the 20 digit pairs of a stored number */
     hex_digit_expected,      /* not a hex digit; or no digit at all */
     half_byte,               /* an odd number of hex digits */
     too_many_bytes,          /* more than 22 bytes */
@@ -51,6 +54,12 @@ constexpr std::string_view describe(text_fault fault) {
         return "digit at or above 10^160, too large";
     case text_fault::digit_too_low:
         return "digit below 10^-160, too small";
+    case text_fault::number_too_large:
+        return "number at or above 10^126, too large to be stored";
+    case text_fault::number_too_small:
+        return "number nearer to zero than any that can be stored";
+    case text_fault::too_many_digits:
+        return "digit beyond the 20 digit pairs that can be stored";
     case text_fault::hex_digit_expected:
         return "hex digit expected";
     case text_fault::half_byte:

@@ -1,11 +1,14 @@
 #include "tests/support/records.h"
 #include "tests/text/exact_value.h"
+#include "tests/text/stored_shapes.h"
 
-#include <qzoci/decimal_text.hpp>
+#include <qzoci/number_text.hpp>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -213,8 +216,10 @@ struct RandomNumber {
 
 class RandomNumbers {
 public:
+    explicit RandomNumbers(std::size_t most_digits = 200) : most_digits_(most_digits) {}
+
     RandomNumber next() {
-        RandomNumber number{"", one_in(2), digits(up_to(200)), digits(up_to(200)), 0};
+        RandomNumber number{"", one_in(2), digits(up_to(most_digits_)), digits(up_to(most_digits_)), 0};
         if (number.integer_digits.empty() && number.fraction_digits.empty()) {
             number.integer_digits = "0";
         }
@@ -250,17 +255,18 @@ private:
         return text;
     }
 
+    std::size_t most_digits_;
     std::mt19937_64 random_{20240229};
 };
 
-/* The position of the first digit that does not fit, or npos. */
-std::size_t first_bad_digit(const RandomNumber& number) {
+/* The position of the first digit other than 0 whose weight is above or below those given, or npos. */
+std::size_t first_digit_outside(const RandomNumber& number, long highest, long lowest) {
     const std::size_t begin = number.text.find_first_of(".0123456789");
     const auto weight_of_first = static_cast<long>(number.integer_digits.size()) - 1 + number.exponent;
     const std::string all = number.integer_digits + number.fraction_digits;
     for (std::size_t i = 0; i < all.size(); ++i) {
         const long weight = weight_of_first - static_cast<long>(i);
-        if (all[i] != '0' && (weight > 159 || weight < -160)) {
+        if (all[i] != '0' && (weight > highest || weight < lowest)) {
             return begin + i + (i >= number.integer_digits.size() ? 1 : 0);
         }
     }
@@ -286,7 +292,7 @@ TEST(ParseRecord, RandomNumbersHaveTheirValueOrTheirFirstBadDigit) {
     constexpr int count = 100000;
     for (int i = 0; i < count; ++i) {
         const RandomNumber number = numbers.next();
-        const std::size_t bad = first_bad_digit(number);
+        const std::size_t bad = first_digit_outside(number, 159, -160);
         const auto record = parse_record(number.text);
         if (bad != std::string::npos) {
             ASSERT_FALSE(record) << number.text;
@@ -334,6 +340,73 @@ TEST(ParseRecord, TextOfARecordGivesTheRecordBack) {
         }
     }
     EXPECT_GT(compared, 5000);
+}
+
+/* ---- Random stored numbers, against integers ---- */
+
+/* The weight of the first digit other than 0; none for a zero. */
+std::optional<long> first_weight(const RandomNumber& number) {
+    const std::string all = number.integer_digits + number.fraction_digits;
+    const std::size_t first = all.find_first_not_of('0');
+    if (first == std::string::npos) {
+        return std::nullopt;
+    }
+    return static_cast<long>(number.integer_digits.size()) - 1 + number.exponent - static_cast<long>(first);
+}
+
+/* The base-100 exponent that a stored number begins with when its first digit has this weight. */
+int stored_exponent(long weight, bool negative) {
+    const long exponent = weight >= 0 ? weight / 2 : (weight - 1) / 2;
+    return static_cast<int>(std::max(exponent, negative ? -65L : -64L));
+}
+
+/* The canonical bytes of a value in the units of exact_value.h, 20 pairs of which hold it. */
+OCINumber encode_value(const mpz_class& value, int exponent) {
+    Shape shape{value < 0, exponent, {}};
+    mpz_class rest = abs(value);
+    for (int weight = exponent; rest != 0; --weight) {
+        const mpz_class unit = power_of_ten(unit_digits + 2 * weight);
+        shape.pairs.push_back(static_cast<int>(mpz_class(rest / unit).get_si()));
+        rest %= unit;
+    }
+    return encode(shape);
+}
+
+TEST(Parse, RandomNumbersHaveTheirBytesOrTheirFirstBadDigit) {
+    RandomNumbers numbers(45);
+    std::map<text_fault, int> faults;
+    int fitting = 0;
+    for (int i = 0; i < 100000; ++i) {
+        const RandomNumber random = numbers.next();
+        const auto stored = parse(random.text);
+        const auto weight = first_weight(random);
+        if (!weight) {
+            ASSERT_TRUE(stored && identical_bytes(*stored, 0)) << random.text;
+            continue;
+        }
+        const int exponent = stored_exponent(*weight, random.negative);
+        const std::size_t bad = first_digit_outside(random, 125, 2 * (exponent - 19));
+        if (bad != std::string::npos) {
+            ASSERT_FALSE(stored) << random.text;
+            ASSERT_EQ(stored.error().position, bad) << random.text;
+            const bool first = bad == first_digit_outside(random, -1000, 1000);
+            ASSERT_EQ(stored.error().fault, *weight > 125 ? number_too_large
+                                            : first       ? number_too_small
+                                                          : too_many_digits)
+                << random.text;
+            ++faults[stored.error().fault];
+            continue;
+        }
+        ++fitting;
+        ASSERT_TRUE(stored) << random.text << ' ' << message(stored.error());
+        ASSERT_EQ(format_hex(stored->oci()), format_hex(encode_value(value_of(random), exponent)))
+            << random.text;
+        ASSERT_TRUE(is_canonical(*stored)) << random.text;
+    }
+    EXPECT_GT(fitting, 10000);
+    EXPECT_GT(faults[number_too_large], 1000);
+    EXPECT_GT(faults[number_too_small], 100);
+    EXPECT_GT(faults[too_many_digits], 10000);
 }
 
 /* Any text at all: a number and what follows it, or an error inside the text. */
