@@ -51,6 +51,11 @@ constexpr std::string_view expressions[] = {
     "\t1\r\n+ 2",
     "1e",
     "1.2.3",
+    "x * 1.19 - \"unit \"\"price\"\"\"",
+    "let y = -x^2",
+    "y=x",
+    "\"unit",
+    "pi = 3",
     "",
 };
 

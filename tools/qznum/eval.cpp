@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace qznum {
 
@@ -76,11 +77,13 @@ void print_fields(const QZCICalcNumber& record, Output& output) {
 }
 
 ExitStatus compute(const EvalOptions& options, std::string_view expression, Output& output) {
-    const Computation computation(parse_expression(expression));
-    for (const Computation::Change& change : computation.changes()) {
+    const Program program(parse_expression(expression, {}));
+    for (const Program::Change& change : program.changes()) {
         output.message("{}\n{}", change.text, caret_under(expression, change.position));
     }
-    const QZCICalcNumber record = computation.run(options.store_each_result);
+    std::vector<QZCICalcNumber> workspace(program.workspace_size());
+    const QZCICalcNumber& record =
+        program.run({}, workspace, {.store_each_result = options.store_each_result});
     const OCINumber packed = pack(record);
     output.result("{}", qzoci::format_number_as_read(packed).value());
     output.result("{}", qzoci::format_hex_all(packed));

@@ -14,40 +14,35 @@ namespace qznum {
 namespace {
 
 template <sword (*operation)(const QZCICalcNumber*, QZCICalcNumber*)>
-sword of_one(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    return operation(operands, result);
-}
-
-template <sword (*operation)(const QZCICalcNumber*, const QZCICalcNumber*, QZCICalcNumber*)>
-sword of_two(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    return operation(operands, operands + 1, result);
+sword of_one(const QZCICalcNumber* a, const QZCICalcNumber* /*b*/, QZCICalcNumber* result) {
+    return operation(a, result);
 }
 
 template <sword (*operation)(QZCICalcNumber*)>
-sword in_place(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    *result = *operands;
+sword in_place(const QZCICalcNumber* a, const QZCICalcNumber* /*b*/, QZCICalcNumber* result) {
+    *result = *a;
     return operation(result);
 }
 
-sword unchanged(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    *result = *operands;
+sword unchanged(const QZCICalcNumber* a, const QZCICalcNumber* /*b*/, QZCICalcNumber* result) {
+    *result = *a;
     return OCI_SUCCESS;
 }
 
-sword magnitude(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    *result = *operands;
+sword magnitude(const QZCICalcNumber* a, const QZCICalcNumber* /*b*/, QZCICalcNumber* result) {
+    *result = *a;
     return result->num_signed == -1 ? QZCICalcNumNeg(result) : OCI_SUCCESS;
 }
 
 /* The exponent has to be an integer that fits the operation's argument. */
-sword integer_power(const QZCICalcNumber* operands, QZCICalcNumber* result) {
-    const std::string text = qzoci::format_record(operands[1]);
+sword integer_power(const QZCICalcNumber* a, const QZCICalcNumber* b, QZCICalcNumber* result) {
+    const std::string text = qzoci::format_record(*b);
     sword exponent = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
     if (error != std::errc() || end != text.data() + text.size()) {
         throw EngineError("ipow, whose exponent has to be an integer of 32 bits,", OCI_ERROR);
     }
-    return QZCICalcNumIntPower(operands, exponent, result);
+    return QZCICalcNumIntPower(a, exponent, result);
 }
 
 void set_e(QZCICalcNumber* record) {
@@ -61,12 +56,9 @@ void set_infinity(QZCICalcNumber* record) {
 }
 
 constexpr std::array binary_operator_table = {
-    BinaryOperator{'+', 1, Association::left, of_two<QZCICalcNumAdd>},
-    BinaryOperator{'-', 1, Association::left, of_two<QZCICalcNumSub>},
-    BinaryOperator{'*', 2, Association::left, of_two<QZCICalcNumMul>},
-    BinaryOperator{'/', 2, Association::left, of_two<QZCICalcNumDiv>},
-    BinaryOperator{'%', 2, Association::left, of_two<QZCICalcNumMod>},
-    BinaryOperator{'^', 4, Association::right, of_two<QZCICalcNumPower>},
+    BinaryOperator{'+', QZCICalcNumAdd}, BinaryOperator{'-', QZCICalcNumSub},
+    BinaryOperator{'*', QZCICalcNumMul}, BinaryOperator{'/', QZCICalcNumDiv},
+    BinaryOperator{'%', QZCICalcNumMod}, BinaryOperator{'^', QZCICalcNumPower},
 };
 
 constexpr std::array unary_operator_table = {
@@ -105,7 +97,7 @@ constexpr std::array function_table = {
              "packed: correctly rounded"},
     Function{"atan", "x", 1, of_one<QZCICalcNumAtan>, "the angle whose tangent is x", "any x", "",
              "packed: correctly rounded"},
-    Function{"atan2", "y, x", 2, of_two<QZCICalcNumAtan2>, "the angle of the point (x, y)", "any y, x",
+    Function{"atan2", "y, x", 2, QZCICalcNumAtan2, "the angle of the point (x, y)", "any y, x",
              "atan2(0, 0) is 0, with an error line", "packed: correctly rounded"},
     Function{"sinh", "x", 1, of_one<QZCICalcNumSinh>, "the hyperbolic sine of x", "any x", "",
              "packed: correctly rounded from -253 on"},
@@ -113,8 +105,8 @@ constexpr std::array function_table = {
              "packed: correctly rounded from -253 on"},
     Function{"tanh", "x", 1, of_one<QZCICalcNumTanh>, "the hyperbolic tangent of x", "any x",
              "inf from 369 on, -inf from about -331.6 to -369", "packed: correctly rounded"},
-    Function{"pow", "x, y", 2, of_two<QZCICalcNumPower>, "x to the power y, as x ^ y",
-             "x >= 0, or y an integer", "2^inf is 0 and 0.5^inf is inf", "packed: correctly rounded"},
+    Function{"pow", "x, y", 2, QZCICalcNumPower, "x to the power y, as x ^ y", "x >= 0, or y an integer",
+             "2^inf is 0 and 0.5^inf is inf", "packed: correctly rounded"},
     Function{"ipow", "x, n", 2, integer_power, "x to the integer power n, by squarings alone",
              "n an integer of 32 bits", "x^6 is x^4, x^7 is x^5, x^12 is x^8",
              "packed: correctly rounded, but for reciprocals above 10^110"},

@@ -10,27 +10,20 @@
 
 namespace qznum {
 
-/* Computes a result from as many operands, one after the other, as the row says; a status as the engine's.
- * The result is none of the operands. */
-using Operation = sword (*)(const QZCICalcNumber* operands, QZCICalcNumber* result);
+/* Computes a result from its operands, b being null where there is one alone; a status as the engine's. The result
+ * may be the record of a. Throws EngineError for operands that the engine's operation does not take. */
+using Operation = sword (*)(const QZCICalcNumber* a, const QZCICalcNumber* b, QZCICalcNumber* result);
 
-enum class Association { left, right };
-
-/* Operators of higher precedence bind tighter. */
 struct BinaryOperator {
     char symbol;
-    int precedence;
-    Association association;
     Operation operation;
 };
 
-/* Stands before its operand, which takes in binary operators of unary_precedence and above. */
+/* Stands before its operand. */
 struct UnaryOperator {
     char symbol;
     Operation operation;
 };
-
-inline constexpr int unary_precedence = 3;
 
 struct Function {
     std::string_view name;
