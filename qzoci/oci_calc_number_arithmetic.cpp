@@ -108,12 +108,12 @@ bool try_quotient(Trace t, const QZCICalcNumber& dividend, const QZCICalcNumber&
     return true;
 }
 
-/* Where |modend| > |modor| and modor has two or more limbs. */
+/* Where |modend| > |modor|. */
 bool try_remainder(Trace t, const QZCICalcNumber& modend, const QZCICalcNumber& modor,
                    QZCICalcNumber& remainder) {
-    if (!is_ordinary(modend) || !is_ordinary(modor) || modor.start_pos == modor.end_pos ||
-        modor.data_part[modor.start_pos] == 0 || modend.data_part[modend.start_pos] == 0 ||
-        modend.start_pos > modor.start_pos || QZCICalcNumAbsCompare(&modend, &modor) <= 0) {
+    if (!is_ordinary(modend) || !is_ordinary(modor) || modor.data_part[modor.start_pos] == 0 ||
+        modend.data_part[modend.start_pos] == 0 || modend.start_pos > modor.start_pos ||
+        QZCICalcNumAbsCompare(&modend, &modor) <= 0) {
         return false;
     }
     const sb1 sign = modend.num_signed;
@@ -121,8 +121,12 @@ bool try_remainder(Trace t, const QZCICalcNumber& modend, const QZCICalcNumber& 
     const limbs::Magnitude dividend = {modend.data_part, modend.start_pos,
                                        std::max(modend.end_pos, modor.end_pos)};
     limbs::Extent extent = {-1, -1};
-    if (!t.counted(Stretch::remainder,
-                   limbs::kernels().remainder(dividend, magnitude(modor), remainder.data_part, extent))) {
+    if (modor.start_pos == modor.end_pos) {
+        extent = limbs::kernels().remainder_by_limb(dividend, modor.data_part[modor.start_pos],
+                                                    modor.start_pos, remainder.data_part);
+        t.counted(Stretch::remainder_by_limb, true);
+    } else if (!t.counted(Stretch::remainder, limbs::kernels().remainder(dividend, magnitude(modor),
+                                                                         remainder.data_part, extent))) {
         return false;
     }
     set_fields(remainder, extent, sign);

@@ -18,13 +18,14 @@ enum class Stretch {
     quotient_by_limb,
     quotient,
     remainder,
+    remainder_by_limb,
     series,
     root,
     truncation,
     unpacking,
     packing
 };
-inline constexpr int stretch_count = 12;
+inline constexpr int stretch_count = 13;
 
 /* Counts how often fast kernels were tried and declined. The engine only adds to it; a test hands it in. */
 struct Tally {

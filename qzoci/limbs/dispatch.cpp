@@ -15,20 +15,39 @@
 namespace qzoci::limbs {
 namespace {
 
-constexpr Kernels portable_kernels = {sum_portable,       difference_portable,       product_portable,
-                                      half_portable,      quotient_by_limb_portable, quotient_portable,
-                                      remainder_portable, truncate_portable,         extent_portable,
-                                      compare_portable,   unpack_portable,           pack_portable};
+constexpr Kernels portable_kernels = {sum_portable,       difference_portable,        product_portable,
+                                      half_portable,      quotient_by_limb_portable,  quotient_portable,
+                                      remainder_portable, remainder_by_limb_portable, truncate_portable,
+                                      extent_portable,    compare_portable,           unpack_portable,
+                                      pack_portable};
 
 #if QZOCI_HAS_X86_KERNELS
-constexpr Kernels avx2_kernels = {
-    sum_avx2,          difference_avx2,    product_avx2,  half_avx2,   quotient_by_limb_portable,
-    quotient_portable, remainder_portable, truncate_avx2, extent_avx2, compare_avx2,
-    unpack_avx2,       pack_avx2};
-constexpr Kernels avx512_kernels = {
-    sum_avx512,      difference_avx512, product_avx512,  half_avx512,   quotient_by_limb_portable,
-    quotient_avx512, remainder_avx512,  truncate_avx512, extent_avx512, compare_avx512,
-    unpack_avx512,   pack_avx512};
+constexpr Kernels avx2_kernels = {sum_avx2,
+                                  difference_avx2,
+                                  product_avx2,
+                                  half_avx2,
+                                  quotient_by_limb_portable,
+                                  quotient_portable,
+                                  remainder_portable,
+                                  remainder_by_limb_portable,
+                                  truncate_avx2,
+                                  extent_avx2,
+                                  compare_avx2,
+                                  unpack_avx2,
+                                  pack_avx2};
+constexpr Kernels avx512_kernels = {sum_avx512,
+                                    difference_avx512,
+                                    product_avx512,
+                                    half_avx512,
+                                    quotient_by_limb_portable,
+                                    quotient_avx512,
+                                    remainder_avx512,
+                                    remainder_by_limb_portable,
+                                    truncate_avx512,
+                                    extent_avx512,
+                                    compare_avx512,
+                                    unpack_avx512,
+                                    pack_avx512};
 
 bool has_avx2() {
     __builtin_cpu_init();

@@ -88,6 +88,11 @@ struct Kernels {
      * non-zero. */
     bool (*remainder)(const Magnitude& dividend, const Magnitude& divisor, Limb* result, Extent& extent);
 
+    /* What is left of the dividend after its division by one limb standing at limb last, down to the units.
+     * Limbs above 99999999 count as they are. Never declines. Precondition: dividend.first <= last <=
+     * dividend.last, divisor non-zero. */
+    Extent (*remainder_by_limb)(const Magnitude& dividend, Limb divisor, int last, Limb* result);
+
     /* Limbs 0..19 of all 40, one added to limb 19 where add_unit is set. False also where that would carry. */
     bool (*truncate)(const Limb* limbs, bool add_unit, Limb* result, Extent& extent);
 

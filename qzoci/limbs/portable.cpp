@@ -290,6 +290,22 @@ bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shif
     return true;
 }
 
+Extent remainder_by_limb_portable(const Magnitude& dividend, Limb divisor, int last, Limb* result) {
+    /* The rest is below 2^32, so that what is divided stays below 2^32 x 10^8 + 2^32 whatever the limbs are: the
+     * laid-down steps, without their record. */
+    uint64_t rest = 0;
+    for (int i = dividend.first; i <= last; ++i) {
+        rest = (rest * base + dividend.limbs[i]) % divisor;
+    }
+    if (result != dividend.limbs) {
+        std::copy(dividend.limbs + last + 1, dividend.limbs + dividend.last + 1, result + last + 1);
+    }
+    std::fill(result, result + last, Limb{0});
+    result[last] = static_cast<Limb>(rest);
+    std::fill(result + dividend.last + 1, result + limb_count, Limb{0});
+    return extent_within(result, last, dividend.last);
+}
+
 bool truncate_portable(const Limb* limbs, bool add_unit, Limb* result, Extent& extent) {
     const Limb unit = add_unit ? 1 : 0;
     if (!is_canonical({limbs, 0, units_limb}) || limbs[units_limb] + unit == base) {

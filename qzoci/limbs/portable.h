@@ -19,6 +19,7 @@ bool product_portable(const Magnitude& a, const Magnitude& b, Limb* result, Exte
 bool half_portable(const Magnitude& a, Limb* result, Extent& extent);
 bool quotient_by_limb_portable(const Magnitude& dividend, Limb divisor, int shift, Limb* result,
                                Extent& extent);
+Extent remainder_by_limb_portable(const Magnitude& dividend, Limb divisor, int last, Limb* result);
 bool truncate_portable(const Limb* limbs, bool add_unit, Limb* result, Extent& extent);
 Extent extent_portable(const Limb* limbs);
 int compare_portable(const Aligned& operands);

@@ -315,6 +315,54 @@ TEST_P(FastRemainder, IsNotTriedWhereNothingIsDividedByTwoLimbs) {
     }
 }
 
+/* One limb divides any limbs, and those below it stay as they are. */
+TEST_P(FastRemainder, ByOneLimbTakesAnyLimbs) {
+    const QZCICalcNumber large = record_with_large_limbs();
+    QZCICalcNumber large_divisor = decimal("3");
+    large_divisor.data_part[19] = 4294967295U;
+    QZCICalcNumber cut = decimal("7.5");
+    cut.end_pos = 19;
+    const std::pair<QZCICalcNumber, QZCICalcNumber> cases[] = {
+        {decimal("7"), decimal("3")},
+        {decimal("-7.000000000000000000000000000000000000000000000000000000000000000009"), decimal("3")},
+        {decimal("6"), decimal("-3")},
+        {decimal("1e159"), decimal("7e-160")},
+        {decimal("99999999e144"), decimal("99999999")},
+        {large, decimal("1")},
+        {large, decimal("3e-16")},
+        {large, decimal("0.00000007")},
+        {decimal("1e159"), large_divisor},
+        {cut, decimal("3")},
+        {cut, decimal("0.00000003")}};
+    for (const auto& [modend, modor] : cases) {
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder_by_limb, modend, modor), Taken::finished);
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder, modend, modor), Taken::not_tried);
+    }
+}
+
+TEST_P(FastRemainder, ByOneLimbIsNotTriedWhereNothingIsDivided) {
+    for (const auto& [modend, modor] :
+         {std::pair("3", "3"), std::pair("-3", "3"), std::pair("2.5", "3"), std::pair("0", "3"),
+          std::pair("inf", "3"), std::pair("3", "0"), std::pair("3", "inf")}) {
+        EXPECT_EQ(taken(engine::mod, Stretch::remainder_by_limb, decimal(modend), decimal(modor)),
+                  Taken::not_tried);
+    }
+}
+
+/* The result may be either operand. */
+TEST_P(FastRemainder, ByOneLimbMayTakeThePlaceOfAnOperand) {
+    const QZCICalcNumber modend = decimal("98765432109876543210.0123456789");
+    const QZCICalcNumber modor = decimal("70000000");
+    QZCICalcNumber expected;
+    engine::mod({false, false}, &modend, &modor, &expected);
+    QZCICalcNumber a = modend;
+    engine::mod({false, true}, &a, &modor, &a);
+    EXPECT_EQ(a, expected);
+    QZCICalcNumber b = modor;
+    engine::mod({false, true}, &modend, &b, &b);
+    EXPECT_EQ(b, expected);
+}
+
 TEST_P(FastRemainder, TakesLimbsAfterTheDividendsEndPosition) {
     QZCICalcNumber cut = decimal("7.5");
     cut.end_pos = 19;
