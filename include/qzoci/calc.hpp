@@ -99,14 +99,14 @@ static_assert(std::is_trivially_copyable_v<calc> && std::is_standard_layout_v<ca
 template <typename T>
 concept exact_value = std::same_as<T, calc> || std::same_as<T, number>;
 
-/** Two operands of one kind, or one and an integer. A record and a stored number do not mix: say which is meant. */
-template <typename A, typename B>
-concept exact_operands = (exact_value<A> && (std::same_as<A, B> || exact_integer<B>)) ||
-                         (exact_integer<A> && exact_value<B>);
+/** A second operand beside a first of type A: one of the same kind, or an integer on either side. A record and a stored
+ * number do not mix: say which is meant. */
+template <typename B, typename A>
+concept exact_operand_with = (exact_value<A> && (std::same_as<A, B> || exact_integer<B>)) ||
+                             (exact_integer<A> && exact_value<B>);
 
 /** The kind of value that two operands have in common. */
-template <typename A, typename B>
-requires exact_operands<A, B>
+template <typename A, exact_operand_with<A> B>
 using common_value = std::conditional_t<exact_value<A>, A, B>;
 
 /** A value, or the operation that failed and its status. */
@@ -126,6 +126,17 @@ constexpr result<number> try_pack(const calc& record);
 /** Whether number(record) has the record's whole value: no digit rounded away, no infinity or zero in its place.
  * @throws as number(record) does. */
 constexpr bool packs_exactly(const calc& record);
+
+/** The record's value as an integer, exactly, limbs above 99999999 included.
+ * Errors: infinite, has_fraction, out_of_range; the first of these. */
+template <exact_integer Integer>
+constexpr expected<Integer, integer_error> try_integer(const calc& value) noexcept;
+
+/** @copydoc try_integer(const calc&) @throws failure<integer_error> */
+template <exact_integer Integer>
+constexpr Integer to_integer(const calc& value) {
+    return value_or_throw(try_integer<Integer>(value));
+}
 
 /* ---- Order ---- */
 
@@ -352,81 +363,67 @@ inline constexpr operation integer_multiplication = {"QZCICalcNumMulWhitInterge"
 
 /** a + b. A carry into the topmost limb is an infinity. (+inf) + (-inf) is 0, (-inf) + (+inf) is -inf. Fails on records
  * made by hand alone. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_add(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_add(const A& a, const B& b) {
     return detail::try_apply_two(detail::addition, a, b);
 }
 
 /** @copydoc try_add */
-template <typename A, typename B>
-requires exact_operands<A, B> common_value<A, B>
-
-operator+(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> operator+(const A& a, const B& b) {
     return detail::apply_two(detail::addition, a, b);
 }
 
 /** a - b. (+inf) - (+inf) is 0, (-inf) - (-inf) is -inf. Fails on records made by hand alone. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_sub(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_sub(const A& a, const B& b) {
     return detail::try_apply_two(detail::subtraction, a, b);
 }
 
 /** @copydoc try_sub */
-template <typename A, typename B>
-requires exact_operands<A, B> common_value<A, B>
-
-operator-(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> operator-(const A& a, const B& b) {
     return detail::apply_two(detail::subtraction, a, b);
 }
 
 /** a * b. Zero times infinity is zero. Fails on records made by hand alone. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_mul(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_mul(const A& a, const B& b) {
     return detail::try_apply_two(detail::multiplication, a, b);
 }
 
 /** @copydoc try_mul */
-template <typename A, typename B>
-requires exact_operands<A, B> common_value<A, B>
-
-operator*(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> operator*(const A& a, const B& b) {
     return detail::apply_two(detail::multiplication, a, b);
 }
 
 /** a / b. Fails on a zero divisor. Divisors of more than one limb of eight digits can give quotients that are not the
  * mathematical ones: check_division() tells. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_div(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_div(const A& a, const B& b) {
     return detail::try_apply_two(detail::division, a, b);
 }
 
 /** @copydoc try_div */
-template <typename A, typename B>
-requires exact_operands<A, B> common_value<A, B>
-
-operator/(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> operator/(const A& a, const B& b) {
     return detail::apply_two(detail::division, a, b);
 }
 
 /** The remainder of the truncating division a / b, with the sign of a. Fails on a zero divisor. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_mod(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_mod(const A& a, const B& b) {
     return detail::try_apply_two(detail::remainder, a, b);
 }
 
 /** @copydoc try_mod */
-template <typename A, typename B>
-requires exact_operands<A, B> common_value<A, B>
-
-operator%(const A& a, const B& b) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> operator%(const A& a, const B& b) {
     return detail::apply_two(detail::remainder, a, b);
 }
 
+/** x. */
 template <exact_value Value>
 Value operator+(const Value& x) {
     return x;
@@ -439,37 +436,32 @@ Value operator-(const Value& x) {
 }
 
 /** In place, the result rounded to 20 digit pairs; a value that throws leaves x as it was. */
-template <typename Operand>
-
-requires exact_operands<number, Operand> number& operator+=(number& x, const Operand& addend) {
+template <exact_operand_with<number> Operand>
+number& operator+=(number& x, const Operand& addend) {
     return x = x + addend;
 }
 
 /** @copydoc operator+=(number&, const Operand&) */
-template <typename Operand>
-
-requires exact_operands<number, Operand> number& operator-=(number& x, const Operand& subtrahend) {
+template <exact_operand_with<number> Operand>
+number& operator-=(number& x, const Operand& subtrahend) {
     return x = x - subtrahend;
 }
 
 /** @copydoc operator+=(number&, const Operand&) */
-template <typename Operand>
-
-requires exact_operands<number, Operand> number& operator*=(number& x, const Operand& factor) {
+template <exact_operand_with<number> Operand>
+number& operator*=(number& x, const Operand& factor) {
     return x = x * factor;
 }
 
 /** @copydoc operator+=(number&, const Operand&) */
-template <typename Operand>
-
-requires exact_operands<number, Operand> number& operator/=(number& x, const Operand& divisor) {
+template <exact_operand_with<number> Operand>
+number& operator/=(number& x, const Operand& divisor) {
     return x = x / divisor;
 }
 
 /** @copydoc operator+=(number&, const Operand&) */
-template <typename Operand>
-
-requires exact_operands<number, Operand> number& operator%=(number& x, const Operand& divisor) {
+template <exact_operand_with<number> Operand>
+number& operator%=(number& x, const Operand& divisor) {
     return x = x % divisor;
 }
 
@@ -710,32 +702,28 @@ Value tanh(const Value& x) {
 }
 
 /** The angle of the point (x, y), in (-pi, pi]. Of (0, 0) zero, with an error line. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_atan2(const A& y, const B& x) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_atan2(const A& y, const B& x) {
     return detail::try_apply_two(detail::arctangent_of_point, y, x);
 }
 
 /** @copydoc try_atan2 */
-template <typename A, typename B>
-
-requires exact_operands<A, B> common_value<A, B> atan2(const A& y, const B& x) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> atan2(const A& y, const B& x) {
     return detail::apply_two(detail::arctangent_of_point, y, x);
 }
 
 /** base to the power exponent, as e^(exponent * ln |base|). Infinite exponents have inverted limits: 2^(+inf)
  * is 0 and 0.5^(+inf) is +inf. Fails for a negative base with an exponent that has a fraction, and for -inf
  * to an infinite power. */
-template <typename A, typename B>
-
-requires exact_operands<A, B> result<common_value<A, B>> try_pow(const A& base, const B& exponent) {
+template <typename A, exact_operand_with<A> B>
+result<common_value<A, B>> try_pow(const A& base, const B& exponent) {
     return detail::try_apply_two(detail::power, base, exponent);
 }
 
 /** @copydoc try_pow */
-template <typename A, typename B>
-
-requires exact_operands<A, B> common_value<A, B> pow(const A& base, const B& exponent) {
+template <typename A, exact_operand_with<A> B>
+common_value<A, B> pow(const A& base, const B& exponent) {
     return detail::apply_two(detail::power, base, exponent);
 }
 
@@ -826,6 +814,23 @@ constexpr result<number> try_pack(const calc& record) {
         return unexpected(operation_error{status, detail::to_number.name});
     }
     return value;
+}
+
+template <exact_integer Integer>
+constexpr expected<Integer, integer_error> try_integer(const calc& value) noexcept {
+    if (is_infinite(value)) {
+        return unexpected(integer_error::infinite);
+    }
+    const detail::carried_limbs limbs(value.record());
+    detail::magnitude_sum sum;
+    for (std::size_t i = 0; i < limbs.size(); ++i) {
+        if (i <= detail::carried_limbs::units) {
+            sum.append(detail::record_base, limbs[i]);
+        } else if (limbs[i] != 0) {
+            return unexpected(integer_error::has_fraction);
+        }
+    }
+    return sum.signed_as<Integer>(value.record().num_signed == -1);
 }
 
 constexpr bool packs_exactly(const calc& record) {

@@ -6,6 +6,7 @@
 
 #include "qzoci/oci_calc_number.h"
 
+#include <qzoci/errors.hpp>
 #include <qzoci/integers.hpp>
 #include <qzoci/number_bytes.hpp>
 
@@ -31,7 +32,7 @@ namespace qzoci {
  *   - Integers convert to it implicitly, as all of them fit exactly. Floating-point numbers do not convert at all.
  *   - `==` and `<=>` compare values. Equal values can have different bytes: see canonical() and identical_bytes().
  *
- * Threads: no shared state; as safe as an int. No function of this header throws. */
+ * Threads: no shared state; as safe as an int. No function of this header throws but to_integer(). */
 class number {
 public:
     static constexpr std::size_t size = QZOCI_NUMBER_SIZE;
@@ -118,6 +119,20 @@ constexpr std::strong_ordering operator<=>(const number& a, const number& b) noe
 /** Equality of the values, as by <=>. */
 constexpr bool operator==(const number& a, const number& b) noexcept {
     return (a <=> b) == 0;
+}
+
+/* ---- Integers out ---- */
+
+/** The number as an integer, exactly.
+ * Errors: malformed, infinite, has_fraction (a digit below the point that is not zero, however small), out_of_range; the
+ * first of these. */
+template <exact_integer Integer>
+constexpr expected<Integer, integer_error> try_integer(const number& value) noexcept;
+
+/** @copydoc try_integer(const number&) @throws failure<integer_error> */
+template <exact_integer Integer>
+constexpr Integer to_integer(const number& value) {
+    return value_or_throw(try_integer<Integer>(value));
 }
 
 /* ---- Definitions ---- */
@@ -234,7 +249,42 @@ constexpr OCINumber stored_integer(signed_magnitude value) {
     return store_canonical(value.negative, max_pairs - 1, pairs);
 }
 
+/* The integer of well-formed pairs. */
+template <exact_integer Integer>
+constexpr expected<Integer, integer_error> integer_of_pairs(const number_layout& layout) {
+    magnitude_sum sum;
+    const std::size_t count = pair_count(layout);
+    for (std::size_t i = 0; i < count; ++i) {
+        const number_byte& byte = layout.bytes[first_pair_offset + i];
+        if (byte.weight < 0 && byte.pair != 0) {
+            return unexpected(integer_error::has_fraction);
+        }
+        if (byte.weight >= 0) {
+            sum.append(100, static_cast<uint128>(byte.pair));
+        }
+    }
+    for (int weight = layout.exponent - static_cast<int>(count); weight >= 0; --weight) {
+        sum.append(100, 0);
+    }
+    return sum.signed_as<Integer>(layout.kind == number_kind::negative);
+}
+
 } // namespace detail
+
+template <exact_integer Integer>
+constexpr expected<Integer, integer_error> try_integer(const number& value) noexcept {
+    if (!validate(value)) {
+        return unexpected(integer_error::malformed);
+    }
+    const number_layout layout = layout_of(value.oci());
+    if (layout.kind == number_kind::zero) {
+        return Integer{0};
+    }
+    if (!detail::has_pairs(layout.kind)) {
+        return unexpected(integer_error::infinite);
+    }
+    return detail::integer_of_pairs<Integer>(layout);
+}
 
 template <exact_integer Integer>
 constexpr number::number(Integer value) noexcept

@@ -41,6 +41,29 @@ constexpr void normalise(QZCICalcNumber& record) {
     record.is_zero = record.start_pos < 0 ? sb1{1} : sb1{0};
 }
 
+/** The limbs of a record after the carry out of the topmost, with those above 99999999 carried: one value, one form. */
+class carried_limbs {
+public:
+    static constexpr std::size_t units = units_limb + 1;
+
+    constexpr explicit carried_limbs(const QZCICalcNumber& record) {
+        ub8 carry = 0;
+        for (std::size_t i = QZCI_CALC_LIMBS; i > 0; --i) {
+            const ub8 limb = record.data_part[i - 1] + carry;
+            limbs_[i] = static_cast<ub4>(limb % record_base);
+            carry = limb / record_base;
+        }
+        limbs_[0] = static_cast<ub4>(carry);
+    }
+
+    constexpr std::size_t size() const { return limbs_.size(); }
+
+    constexpr ub4 operator[](std::size_t i) const { return limbs_[i]; }
+
+private:
+    std::array<ub4, QZCI_CALC_LIMBS + 1> limbs_{};
+};
+
 /* ---- As initCalcNumberFromInt, of integers of any size ---- */
 
 constexpr QZCICalcNumber integer_record(signed_magnitude value) {

@@ -192,6 +192,7 @@ TEST(Calc, TakesIntegersAsTheEngine) {
         initCalcNumberFromInt(&by_engine, integer);
         ASSERT_EQ(calc(integer).record(), by_engine) << integer;
         ASSERT_EQ(calc(number(integer)), calc(integer)) << integer;
+        ASSERT_EQ(to_integer<std::int64_t>(calc(integer)), integer) << integer;
         ASSERT_TRUE(identical_bytes(number(calc(integer)), number(integer))) << integer;
     }
 }
@@ -203,6 +204,20 @@ TEST(Calc, TakesIntegersOf128Bits) {
     EXPECT_EQ(value_of_limbs(calc(std::numeric_limits<int128>::max()).record()), (two_to_127 - 1) * unit);
     EXPECT_EQ(value_of_limbs(calc(std::numeric_limits<uint128>::max()).record()),
               (2 * two_to_127 - 1) * unit);
+}
+
+TEST(Calc, GivesIntegersWhereTheTypeHasThem) {
+    using enum integer_error;
+    EXPECT_TRUE(to_integer<int128>(calc(std::numeric_limits<int128>::min())) ==
+                std::numeric_limits<int128>::min());
+    EXPECT_EQ(try_integer<int128>(calc(uint128{1} << 127U)).error(), out_of_range);
+    EXPECT_EQ(try_integer<std::int8_t>(calc(-129)).error(), out_of_range);
+    EXPECT_EQ(try_integer<uint128>(of_decimal("1e159")).error(), out_of_range);
+    EXPECT_EQ(try_integer<int>(of_decimal("-1e-160")).error(), has_fraction);
+    EXPECT_EQ(try_integer<int>(infinity()).error(), infinite);
+    EXPECT_EQ(to_integer<int>(calc()), 0);
+    EXPECT_EQ(to_integer<int>(calc(record_from_limbs({{18, 1}, {19, 100000005}, {20, 300000000}}, -1))),
+              -200000008);
 }
 
 TEST(Calc, ReportsBytesThatCannotBeRead) {

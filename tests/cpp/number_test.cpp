@@ -334,6 +334,7 @@ void check_integers() {
         const number stored = integer;
         ASSERT_TRUE(is_canonical(stored)) << hex_text(stored.oci());
         ASSERT_EQ(value_of(stored), expected) << hex_text(stored.oci());
+        ASSERT_EQ(to_integer<Integer>(stored), integer) << hex_text(stored.oci());
     }
 }
 
@@ -353,6 +354,51 @@ TEST(Integers, OfEveryTypeAreExact) {
 TEST(Integers, AreConstant) {
     static_assert(identical_bytes(number(10000), number(OCINumber{{2, 195, 2}})));
     static_assert(identical_bytes(number(-19), number(OCINumber{{3, 62, 82, 102}})));
+}
+
+template <exact_integer Integer>
+integer_error integer_error_of(std::string_view hex) {
+    return try_integer<Integer>(of_hex(hex)).error();
+}
+
+TEST(Integers, ComeOutWhereTheTypeHasThem) {
+    using enum integer_error;
+    EXPECT_EQ(to_integer<int>(of_hex("02c264")), 9900);
+    EXPECT_EQ(to_integer<int>(of_hex("04c1020101")), 1);
+    EXPECT_EQ(to_integer<int>(of_hex("0280aa")), 0);
+    EXPECT_EQ(to_integer<unsigned>(of_hex("033e6566")), 0U);
+    EXPECT_EQ(integer_error_of<int>("03c10233"), has_fraction);
+    EXPECT_EQ(integer_error_of<int>("028102"), has_fraction);
+    EXPECT_EQ(integer_error_of<int>("15ff" + std::string(40, '2')), out_of_range);
+    EXPECT_EQ(integer_error_of<uint128>("02ff02"), out_of_range);
+    EXPECT_EQ(integer_error_of<unsigned>("033e6466"), out_of_range);
+    EXPECT_EQ(integer_error_of<int>("02ff65"), infinite);
+    EXPECT_EQ(integer_error_of<int>("0100"), infinite);
+    EXPECT_EQ(integer_error_of<int>("02c100"), malformed);
+    EXPECT_EQ(integer_error_of<int>("16c102"), malformed);
+    EXPECT_THROW(to_integer<int>(of_hex("02ff65")), failure<integer_error>);
+    EXPECT_EQ(message(out_of_range), "out of the integer type's range");
+}
+
+template <exact_integer Integer>
+void check_bounds() {
+    constexpr int128 low = std::numeric_limits<Integer>::min();
+    constexpr int128 high = std::numeric_limits<Integer>::max();
+    EXPECT_TRUE(try_integer<Integer>(number(low)) && try_integer<Integer>(number(high)));
+    EXPECT_EQ(try_integer<Integer>(number(low - 1)).error(), integer_error::out_of_range);
+    EXPECT_EQ(try_integer<Integer>(number(high + 1)).error(), integer_error::out_of_range);
+}
+
+TEST(Integers, KeepToTheBoundsOfTheirType) {
+    check_bounds<std::int8_t>();
+    check_bounds<std::uint8_t>();
+    check_bounds<std::int32_t>();
+    check_bounds<std::uint32_t>();
+    check_bounds<std::int64_t>();
+    check_bounds<std::uint64_t>();
+    constexpr uint128 two_to_127 = uint128{1} << 127U;
+    EXPECT_EQ(try_integer<int128>(number(two_to_127)).error(), integer_error::out_of_range);
+    EXPECT_TRUE(to_integer<uint128>(number(two_to_127)) == two_to_127);
 }
 
 /* ---- Errors ---- */
