@@ -1,5 +1,5 @@
 #include "commands.hpp"
-#include "values.hpp"
+#include "row_command.hpp"
 
 #include <fmt/format.h>
 #include <qzoci/decimal_text.hpp>
@@ -12,20 +12,19 @@ namespace qznum {
 
 namespace {
 
-constexpr const char* help = R"(Examples:
+constexpr const char* examples = R"(Examples:
   qznum decode 03c10233                1.5
+  qznum decode '03 c1 02 33'           the same, as are 0x03c10233, 0x3,0xc1,0x2,0x33 and \x03\xc1\x02\x33
   qznum decode -v 043e643366           -1.5, and each of its bytes by name
   qznum decode --file constants.txt    every number of a file
   qznum encode 12.5 | qznum decode
 
-HEX has two digits a byte, with or without 0x before them; bytes after the length byte's count may
-be left out. Without HEX, numbers are read from FILE, or from standard input, one on each line:
-  LABEL: VALUE  # comment              label and comment may be left out
+HEX has two digits a byte; bytes after the length byte's count may be left out.
 )";
 
 struct DecodeOptions {
-    std::vector<std::string> numbers; /* none: values come from the file */
-    std::string file_name;            /* empty or "-": standard input */
+    InputOptions input;
+    OutputOptions output;
     bool every_byte = false;
     bool force = false;
 };
@@ -55,81 +54,92 @@ std::vector<std::string> byte_lines(const OCINumber& number) {
     return lines;
 }
 
+/* The same with line ends. */
+std::string byte_table(const OCINumber& number) {
+    std::string table;
+    for (const std::string& line : byte_lines(number)) {
+        table += line;
+        table += '\n';
+    }
+    return table;
+}
+
 class Decoder {
 public:
-    Decoder(const DecodeOptions& options, Output& output) : options_(options), output_(output) {}
+    Decoder(const DecodeOptions& options, const RowShape& shape) : options_(options), shape_(shape) {}
 
-    /* False when the value is in error. */
-    bool decode(const Value& value) {
-        const auto number = qzoci::parse_hex(value.text);
+    void decode(const Row& row, RowResults& results) const {
+        if (row.null) {
+            results.null(row);
+            return;
+        }
+        const auto number = bytes_of(shape_, row);
         if (!number) {
-            output_.message("{}: {}", value.where, qzoci::message(number.error()));
-            return false;
+            results.error(row, qzoci::message(number.error()));
+            return;
         }
         const auto notes = qzoci::validate(*number);
         if (!notes) {
-            return decode_malformed(value, *number, notes.error());
+            decode_malformed(row, *number, notes.error(), results);
+            return;
         }
-        output_.result("{}", value.labelled(qzoci::format_number(*number).value()));
+        results.number(row, *number);
         if (options_.every_byte) {
-            for (const std::string& line : byte_lines(*number)) {
-                output_.result("{}", line);
-            }
+            results.lines(byte_table(*number));
             for (const qzoci::number_note& note : *notes) {
-                output_.result("  note: {}", qzoci::message(note));
+                results.lines(fmt::format("  note: {}\n", qzoci::message(note)));
             }
         }
-        return true;
     }
 
 private:
-    bool decode_malformed(const Value& value, const OCINumber& number, const qzoci::number_error& error) {
+    void decode_malformed(const Row& row, const OCINumber& number, const qzoci::number_error& error,
+                          RowResults& results) const {
+        const std::string reason = fmt::format("malformed: {}", qzoci::message(error));
         if (options_.force) {
             if (const auto text = qzoci::format_number_as_read(number)) {
-                output_.message("{}: malformed: {}; shown as the engine reads it", value.where,
-                                qzoci::message(error));
-                output_.result("{}", value.labelled(*text));
-                if (options_.every_byte) {
-                    for (const std::string& line : byte_lines(number)) {
-                        output_.result("{}", line);
-                    }
-                }
-                return true;
+                results.message(row, reason + "; shown as the engine reads it");
+                results.text(row, *text);
+                results.lines(options_.every_byte ? byte_table(number) : "");
+                return;
             }
         }
-        output_.message("{}: malformed: {}", value.where, qzoci::message(error));
+        results.error(row, reason);
         if (options_.every_byte) {
             for (const std::string& line : byte_lines(number)) {
-                output_.message("{}", line);
+                results.message(line);
             }
         }
-        return false;
     }
 
     const DecodeOptions& options_;
-    Output& output_;
+    const RowShape& shape_;
 };
 
 ExitStatus decode(const DecodeOptions& options, Output& output) {
-    Decoder decoder(options, output);
-    const auto values = open_values(options.numbers, options.file_name);
-    ExitStatus status = ExitStatus::ok;
-    while (const std::optional<Value> value = values->next()) {
-        if (!decoder.decode(*value)) {
-            status = ExitStatus::value_error;
-        }
+    const ResultForm form = options.output.form();
+    if (options.every_byte && form != ResultForm::text) {
+        throw UsageError("--verbose goes with results as text alone");
     }
-    return status;
+    if (options.force && (form == ResultForm::raw || form == ResultForm::hex)) {
+        throw UsageError("--force goes with results in decimal alone");
+    }
+    RowSource source(options.input.rows);
+    const Decoder decoder(options, source.shape());
+    const RowFormat format(source.shape(), form, Notation::decimal);
+    return convert_rows(
+        source, options.input, format,
+        [&decoder](const Row& row, RowResults& results) { decoder.decode(row, results); }, output);
 }
 
 } // namespace
 
 void add_decode(CommandLine& line) {
     const auto options = std::make_shared<DecodeOptions>();
-    Command command = line.add("decode", "Stored numbers as exact decimals", help);
-    command.values("HEX", options->numbers, "Stored numbers");
-    command.option("--file", "FILE", options->file_name, "Read the values from FILE, - for standard input");
-    command.exclude("--file", "HEX");
+    Command command =
+        line.add("decode", "Stored numbers as exact decimals", std::string(examples) + rows_help);
+    add_input_options(command, options->input, "HEX", "Stored numbers");
+    add_output_options(command, options->output);
     command.flag("-v,--verbose", options->every_byte, "Also name every byte");
     command.flag("--force", options->force, "Decode malformed bytes as the engine reads them");
     command.action([options](Output& output) { return decode(*options, output); });

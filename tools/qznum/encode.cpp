@@ -1,64 +1,56 @@
 #include "commands.hpp"
-#include "engine.hpp"
-#include "values.hpp"
-
-#include <qzoci/decimal_text.hpp>
-
-#include <optional>
+#include "row_command.hpp"
 
 namespace qznum {
 
 namespace {
 
-constexpr const char* help = R"(Examples:
+constexpr const char* examples = R"(Examples:
   qznum encode 1.5                     03c10233000000000000000000000000000000000000
   qznum encode -1e-10 6.02214076e23    two numbers
   qznum encode --file prices.txt       every number of a file
 
-Prints all 22 bytes. Digits that have to be rounded away are reported. Without DECIMAL, numbers are
-read from FILE, or from standard input, one on each line:
-  LABEL: VALUE  # comment              label and comment may be left out
+Prints all 22 bytes. Digits that have to be rounded away are reported.
 )";
 
 struct EncodeOptions {
-    std::vector<std::string> decimals; /* none: values come from the file */
-    std::string file_name;             /* empty or "-": standard input */
+    InputOptions input;
+    OutputOptions output;
 };
 
-/* False when the value is in error. */
-bool encode_value(const Value& value, Output& output) {
-    const auto record = qzoci::parse_record(value.text);
-    if (!record) {
-        output.message("{}: {}", value.where, qzoci::message(record.error()));
-        return false;
+void encode_row(const RowShape& shape, const Row& row, RowResults& results) {
+    if (row.null) {
+        results.null(row);
+        return;
     }
-    const Stored stored = store(*record);
-    if (!stored.change.empty()) {
-        output.message("{}: {}", value.where, stored.change);
+    const Cell cell = read_cell(shape, row, Notation::decimal);
+    if (!cell.change.empty()) {
+        results.message(row, cell.change);
     }
-    output.result("{}", value.labelled(qzoci::format_hex_all(stored.number)));
-    return well_formed(stored.number, value.where, output);
+    if (cell.has_bytes) {
+        results.number(row, cell.number);
+    }
+    if (!cell.fault.empty()) {
+        results.error(row, cell.fault);
+    }
 }
 
 ExitStatus encode(const EncodeOptions& options, Output& output) {
-    const auto values = open_values(options.decimals, options.file_name);
-    ExitStatus status = ExitStatus::ok;
-    while (const std::optional<Value> value = values->next()) {
-        if (!encode_value(*value, output)) {
-            status = ExitStatus::value_error;
-        }
-    }
-    return status;
+    RowSource source(options.input.rows);
+    const RowShape& shape = source.shape();
+    const RowFormat format(shape, options.output.form(), Notation::hex);
+    return convert_rows(
+        source, options.input, format,
+        [&shape](const Row& row, RowResults& results) { encode_row(shape, row, results); }, output);
 }
 
 } // namespace
 
 void add_encode(CommandLine& line) {
     const auto options = std::make_shared<EncodeOptions>();
-    Command command = line.add("encode", "Decimals as stored numbers", help);
-    command.values("DECIMAL", options->decimals, "Decimals");
-    command.option("--file", "FILE", options->file_name, "Read the values from FILE, - for standard input");
-    command.exclude("--file", "DECIMAL");
+    Command command = line.add("encode", "Decimals as stored numbers", std::string(examples) + rows_help);
+    add_input_options(command, options->input, "DECIMAL", "Decimals");
+    add_output_options(command, options->output);
     command.action([options](Output& output) { return encode(*options, output); });
 }
 

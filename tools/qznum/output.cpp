@@ -51,15 +51,20 @@ Output::~Output() {
 }
 
 void Output::write_result(std::string_view text) {
+    write_block(fmt::format("{}\n", text));
+}
+
+void Output::write_block(std::string_view text) {
+    const std::lock_guard lock(mutex_);
     throw_on_failure();
-    if (std::fwrite(text.data(), 1, text.size(), results_) != text.size() ||
-        std::fputc('\n', results_) == EOF) {
+    if (std::fwrite(text.data(), 1, text.size(), results_) != text.size()) {
         note_failure();
         throw_on_failure();
     }
 }
 
 void Output::write_message(std::string_view text) noexcept {
+    const std::lock_guard lock(mutex_);
     if (results_ != nullptr && std::fflush(results_) != 0) {
         note_failure();
     }

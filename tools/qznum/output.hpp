@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -33,6 +34,11 @@ public:
     }
 
     void write_result(std::string_view text);
+
+    /* Results as they stand, line ends included. Throws as write_result. */
+    void write_block(std::string_view text);
+
+    /* From any thread, as message(). */
     void write_message(std::string_view text) noexcept;
 
     /* Closes the results: everything is written, or IoError. No results after it. */
@@ -43,6 +49,7 @@ private:
     void throw_on_failure() const;
 
     std::FILE* results_; /* null once finished */
+    std::mutex mutex_;   /* a message and the results before it are written as one */
     int failure_ = 0;    /* errno of the first failed write of results */
 };
 

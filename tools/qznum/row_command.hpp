@@ -1,0 +1,47 @@
+/* Commands that read rows, and those that make a result of each: their options, and what runs them. */
+#ifndef QZNUM_ROW_COMMAND_HPP
+#define QZNUM_ROW_COMMAND_HPP
+
+#include "cells.hpp"
+#include "command_line.hpp"
+#include "results.hpp"
+#include "rows.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace qznum {
+
+/* What every command that reads rows takes. */
+struct InputOptions {
+    RowOptions rows;
+    std::string on_error = "skip"; /* "skip" or "stop" */
+    std::size_t threads = 0;       /* 0: as many as there are processors */
+};
+
+struct OutputOptions {
+    std::string to = "text";
+    bool json = false;
+    bool jsonl = false;
+
+    ResultForm form() const;
+};
+
+/* `values` names the arguments. The options must live as long as the command's action. */
+void add_input_options(Command& command, InputOptions& options, const std::string& values,
+                       const std::string& values_help);
+void add_output_options(Command& command, OutputOptions& options);
+
+/* What rows are, for the explanations of a command. */
+extern const char* const rows_help;
+
+/* Calls `work` for each row that is one, in any thread, and writes the results in the order of the rows. Rows
+ * with a fault of their own become errors. value_error when there was an error. Throws IoError, also for rows that
+ * cannot be read, after the results before them. */
+ExitStatus convert_rows(RowSource& source, const InputOptions& options, const RowFormat& format,
+                        const std::function<void(const Row&, RowResults&)>& work, Output& output);
+
+} // namespace qznum
+
+#endif /* QZNUM_ROW_COMMAND_HPP */
