@@ -72,12 +72,20 @@ constexpr std::string_view describe(text_fault fault) {
     return "unknown fault";
 }
 
-inline std::string message(const text_error& error) {
+namespace detail {
+
+inline std::string at_position(std::size_t position, std::string_view what) {
     std::string text = "at position ";
-    text += std::to_string(error.position);
+    text += std::to_string(position);
     text += ": ";
-    text += describe(error.fault);
+    text += what;
     return text;
+}
+
+} // namespace detail
+
+inline std::string message(const text_error& error) {
+    return detail::at_position(error.position, describe(error.fault));
 }
 
 } // namespace qzoci
