@@ -30,3 +30,20 @@ typedef struct OCINumber { ub1 OCINumberPart[22]; } OCINumber;
 $(grep -v '^QZOCI_HAVE_$' <<<"$guards" | sed 's/^/#define /')
 #include "qzoci/oci_calc_number.h"
 HOST
+
+# The values of a line have the types that its format names: %ld takes a long, not an int or a long long.
+write_line() {
+    local value=$1
+    shift
+    compile "$@" <<LINE
+#include "qzoci/oci_log.h"
+void write_line(void);
+void write_line(void) { qzoci_log_inner(LOG_LEVEL_ERROR, "file", 1, "%ld", $value); }
+LINE
+}
+write_line 1L "$@" || fail "a long for %ld is refused"
+for value in 1 1LL '"1"'; do
+    if write_line "$value" "$@" 2>/dev/null; then
+        fail "$value for %ld is taken"
+    fi
+done
