@@ -63,4 +63,11 @@ if(QZOCI_WITH_TOOL)
     set_target_properties(qzoci_cpp PROPERTIES EXPORT_NAME cpp)
     qzoci_install_targets(cpp qzoci_cpp)
     install(TARGETS qznum COMPONENT qzoci_tool)
+    set(qznum_manual ${CMAKE_CURRENT_SOURCE_DIR}/tools/qznum/man/qznum.1)
+    if(EXISTS ${qznum_manual} AND NOT QZOCI_DEBIAN_PACKAGES)
+        install(
+            FILES ${qznum_manual}
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+            COMPONENT qzoci_tool)
+    endif()
 endif()

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # usage: documents.sh FILE...
-# What the documents show is what happens: each ```c block of a file is kept under the name in its first line, and each
-# command of the ```console blocks prints what stands below it. QZNUM is the tool.
+# What the documents show is what happens: each ```c and ```cpp block of a file is kept under the name in its first line,
+# and each command of the ```console blocks prints what stands below it. QZNUM is the tool.
 # shellcheck source=tests/project/lib.sh
 source "$(dirname "$0")/lib.sh"
 enter_work_folder
 
-# Commands find what a reader has: the sources, the engine built alone, and the tool.
+# Commands find what a reader has: the sources, the engine built alone, the tool, and all of it installed.
 mkdir bin build
 ln -s "$QZNUM" bin/qznum
 ln -s "$CC" bin/cc
+ln -s "$CXX" bin/c++
+export PKG_CONFIG_PATH=$INSTALLED/all/lib/pkgconfig LD_LIBRARY_PATH=$INSTALLED/all/lib
 ln -s "$SOURCE/qzoci" qzoci
 ln -s "$ENGINE" build/engine
 export PATH=$PWD/bin:$PATH
@@ -36,8 +38,8 @@ for document in "$@"; do
     for line in "${lines[@]}"; do
         case $kind:$line in
         :'```'*) kind=${line#'```'} block=() ;;
-        c:'```')
-            [[ ${block[0]} =~ ^'/* '([a-z_]+\.c)':' ]] || fail "$document: a C block without a file name"
+        c:'```' | cpp:'```')
+            [[ ${block[0]} =~ ^'/* '([a-z_]+\.(c|cpp))':' ]] || fail "$document: a program without a file name"
             printf '%s\n' "${block[@]}" >"${BASH_REMATCH[1]}"
             kind=''
             ;;

@@ -1,15 +1,29 @@
 #!/usr/bin/env bash
-# usage: public_headers.sh COMPILER c|c++ STANDARD
-# Each public header compiles alone and twice, also for a host that brings every guarded name itself.
+# usage: public_headers.sh COMPILER c|c++ STANDARD [layer]
+# Each public C header compiles alone and twice, also for a host that brings every guarded name itself; with "layer" each
+# header of the C++ layer.
 # shellcheck source=tests/project/lib.sh
 source "$(dirname "$0")/lib.sh"
 
 compile() {
-    "$1" -x "$2" -std="$3" -Wall -Wextra -pedantic -Wundef -Werror -fsyntax-only -I"$SOURCE" -
+    "$1" -x "$2" -std="$3" -Wall -Wextra -pedantic -Wundef -Werror -fsyntax-only -I"$SOURCE" -I"$SOURCE/log" \
+        -I"$SOURCE/include" -
 }
 
-for header in oci_types.h oci_log.h oci_calc_number.h; do
-    printf '#include "qzoci/%s"\n' $header $header | compile "$@" || fail "$header"
+# compile_twice HEADER COMPILER...
+compile_twice() {
+    printf '#include "qzoci/%s"\n' "$1" "$1" | compile "${@:2}" || fail "$1"
+}
+
+if [[ ${4-} == layer ]]; then
+    for header in "$SOURCE"/include/qzoci/*.hpp; do
+        compile_twice "${header##*/}" "$@"
+    done
+    exit 0
+fi
+
+for header in oci_types.h oci_log.h oci_calc_number.h qzoci_log.h; do
+    compile_twice "$header" "$@"
 done
 
 guards=$(grep -o 'QZOCI_HAVE_[A-Za-z0-9]*' "$SOURCE/qzoci/oci_types.h" | sort -u)
