@@ -204,7 +204,9 @@ INSTANTIATE_TEST_SUITE_P(All, QznumHelp,
                          testing::Values(std::vector<std::string>{"--help"}, std::vector<std::string>{"-h"},
                                          std::vector<std::string>{"decode", "--help"},
                                          std::vector<std::string>{"encode", "--help"},
-                                         std::vector<std::string>{"eval", "--help"}));
+                                         std::vector<std::string>{"eval", "--help"},
+                                         std::vector<std::string>{"repl", "--help"},
+                                         std::vector<std::string>{"trace", "--help"}));
 
 TEST(QznumEvalHelp, NamesEveryFunctionAndConstant) {
     const std::string help = qznum({"eval", "--help"}).results;

@@ -3,11 +3,15 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <pty.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace qzoci::test {
 
@@ -49,15 +53,19 @@ private:
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
 };
 
-/* Spawns with the three files as the standard streams. */
-pid_t spawn(const std::vector<std::string>& command, int input, int output, int error_output) {
+std::vector<char*> argument_pointers(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
     }
     arguments.push_back(nullptr);
+    return arguments;
+}
 
+/* Spawns with the three files as the standard streams. */
+pid_t spawn(const std::vector<std::string>& command, int input, int output, int error_output) {
+    const std::vector<char*> arguments = argument_pointers(command);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
@@ -83,7 +91,86 @@ int wait_for(pid_t process) {
     return WIFSIGNALED(status) ? status_of_signal + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
+/* The near side of a terminal whose far side a process has. */
+class Terminal {
+public:
+    explicit Terminal(int descriptor) : descriptor_(descriptor) {}
+
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    ~Terminal() { close(descriptor_); }
+
+    /* Reads on until the text has been shown after what was awaited before, or the process has gone. */
+    void await(std::string_view text) {
+        std::size_t found = shown_.find(text, looked_at_);
+        while (found == std::string::npos && read_some()) {
+            found = shown_.find(text, looked_at_);
+        }
+        looked_at_ = found == std::string::npos ? shown_.size() : found + text.size();
+    }
+
+    void type(std::string_view keys) const {
+        if (write(descriptor_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size())) {
+            fail(errno, "write");
+        }
+    }
+
+    std::string read_all() {
+        while (read_some()) {
+        }
+        std::erase(shown_, '\r');
+        return shown_;
+    }
+
+private:
+    /* False when the far side is closed. */
+    bool read_some() {
+        char bytes[4096];
+        const ssize_t count = read(descriptor_, bytes, sizeof bytes);
+        if (count > 0) {
+            shown_.append(bytes, static_cast<std::size_t>(count));
+        }
+        return count > 0 || (count == -1 && errno == EINTR);
+    }
+
+    int descriptor_;
+    std::string shown_;
+    std::size_t looked_at_ = 0;
+};
+
 } // namespace
+
+Outcome on_terminal(const std::vector<std::string>& command, const std::vector<Typed>& keys) {
+    const std::vector<char*> arguments = argument_pointers(command);
+    int descriptor = -1;
+    const pid_t process = forkpty(&descriptor, nullptr, nullptr, nullptr);
+    if (process == -1) {
+        fail(errno, "forkpty");
+    }
+    if (process == 0) {
+        execvp(arguments.front(), arguments.data());
+        _exit(127);
+    }
+    Terminal terminal(descriptor);
+    for (const Typed& typed : keys) {
+        terminal.await(typed.awaited);
+        terminal.type(typed.keys);
+    }
+    std::string shown = terminal.read_all();
+    return {std::move(shown), "", wait_for(process)};
+}
+
+TemporaryFolder::TemporaryFolder() : path_(std::filesystem::temp_directory_path() / "qznum_XXXXXX") {
+    if (mkdtemp(path_.data()) == nullptr) {
+        fail(errno, "mkdtemp");
+    }
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
 
 Outcome run(const std::vector<std::string>& command, std::string_view input) {
     TemporaryFile standard_input;

@@ -23,6 +23,30 @@ Outcome qznum(std::vector<std::string> arguments, std::string_view input = "");
 /* A script for bash, in which qznum is on the path. */
 Outcome shell(const std::string& script);
 
+/* What is typed on a terminal once this has been shown there. */
+struct Typed {
+    std::string awaited;
+    std::string keys;
+};
+
+/* A command on a terminal of its own, which is all three of its streams. Keys are typed one after the other.
+ * Results hold what the terminal shows, its line ends as "\n"; there are no messages beside them. */
+Outcome on_terminal(const std::vector<std::string>& command, const std::vector<Typed>& keys = {});
+
+/* A folder of its own that is gone with all in it afterwards. */
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
 std::vector<std::string> lines_of(std::string_view text);
 
 } // namespace qzoci::test

@@ -66,6 +66,11 @@ void Command::option(const std::string& names, const std::vector<std::string>& v
         ->expected(static_cast<int>(values.size()));
 }
 
+void Command::repeated_option(const std::string& names, const std::string& value,
+                              std::vector<std::string>& target, const std::string& help) {
+    app_.add_option(names, target, help)->option_text(value)->allow_extra_args(false);
+}
+
 void Command::choice(const std::string& names, const std::string& value,
                      const std::vector<std::string>& words, std::string& target, const std::string& help) {
     app_.add_option(names, target, help + ": " + joined(words, ", "))

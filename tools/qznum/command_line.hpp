@@ -36,6 +36,10 @@ public:
     void option(const std::string& names, const std::vector<std::string>& values,
                 std::vector<std::string>& target, const std::string& help);
 
+    /* An option that takes one value and can be given any number of times. */
+    void repeated_option(const std::string& names, const std::string& value, std::vector<std::string>& target,
+                         const std::string& help);
+
     /* One of the words. */
     void choice(const std::string& names, const std::string& value, const std::vector<std::string>& words,
                 std::string& target, const std::string& help);

@@ -1,7 +1,5 @@
 #include "engine.hpp"
 
-#include "qzoci/qzoci_log.h"
-
 #include <fmt/format.h>
 #include <qzoci/decimal_text.hpp>
 
@@ -47,6 +45,11 @@ void show_engine_lines(Output& output, bool debug_lines) {
     if (debug_lines) {
         set_up_log(qzoci_log_set_level(LOG_LEVEL_DEBUG));
     }
+}
+
+void send_engine_lines(qzoci_log_callback callback, void* user) {
+    set_up_log(qzoci_log_to_callback(callback, user));
+    set_up_log(qzoci_log_set_level(LOG_LEVEL_DEBUG));
 }
 
 EngineError::EngineError(std::string_view operation, sword status)

@@ -5,6 +5,7 @@
 #include "output.hpp"
 
 #include "qzoci/oci_calc_number.h"
+#include "qzoci/qzoci_log.h"
 
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,9 @@ namespace qznum {
 /* From here on the engine's lines become messages: error lines, or those that QZOCI_LOG_LEVEL asks for; with
  * debug_lines all of them. The output must outlive every call of the engine. */
 void show_engine_lines(Output& output, bool debug_lines);
+
+/* From here on the callback gets the engine's lines, all of them. */
+void send_engine_lines(qzoci_log_callback callback, void* user);
 
 /* An operation returned a status other than OCI_SUCCESS. Its own error line, if it wrote one, came before. */
 class EngineError : public std::runtime_error {

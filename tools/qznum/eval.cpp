@@ -1,8 +1,6 @@
 #include "commands.hpp"
+#include "compute.hpp"
 #include "engine.hpp"
-#include "evaluate.hpp"
-#include "expression.hpp"
-#include "operations.hpp"
 #include "text.hpp"
 
 #include <qzoci/decimal_text.hpp>
@@ -10,7 +8,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 namespace qznum {
 
@@ -21,14 +18,8 @@ constexpr const char* eval_examples = R"(Examples:
   qznum eval '0x03c10233 * 2 - ceil(0.3)'
   qznum eval --record '2 / 3'          also the result before it is rounded to the stored form
   qznum eval --record --limbs '4 / 2.03'
+  qznum eval --set vat=0.19 '25 * (1 + vat)'
 
-EXPRESSION has numbers, parentheses, operators, functions and constants:
-  12.5  1e-30    a decimal, which passes through the stored form once
-  0x03c10233     a stored number
-  + -            sum and difference, the loosest
-  * / %          product, quotient, remainder with the sign of the left side
-  -x +x          signs
-  ^              power, the tightest, from right to left: -2^2 is -4
 )";
 
 constexpr const char* eval_results =
@@ -38,22 +29,14 @@ form. Prints the result as it is stored: in decimal and, on the next line, in he
 
 struct EvalOptions {
     std::string expression;
-    bool store_each_result = false;
+    ComputeOptions compute;
     bool record = false;
     bool limbs = false;
     bool trace = false;
 };
 
 std::string help() {
-    std::string text = eval_examples;
-    for (const Function& function : functions()) {
-        const std::string call = fmt::format("{}({})", function.name, function.parameters);
-        text += fmt::format("  {:<14} {}\n", call, function.summary);
-    }
-    for (const Constant& constant : constants()) {
-        text += fmt::format("  {:<14} {}\n", constant.name, constant.summary);
-    }
-    return text + eval_results;
+    return eval_examples + expression_help() + eval_results;
 }
 
 /* All fields as they stand; of the limbs those from the first to the last that is not zero. */
@@ -76,14 +59,7 @@ void print_fields(const QZCICalcNumber& record, Output& output) {
     }
 }
 
-ExitStatus compute(const EvalOptions& options, std::string_view expression, Output& output) {
-    const Program program(parse_expression(expression, {}));
-    for (const Program::Change& change : program.changes()) {
-        output.message("{}\n{}", change.text, caret_under(expression, change.position));
-    }
-    std::vector<QZCICalcNumber> workspace(program.workspace_size());
-    const QZCICalcNumber& record =
-        program.run({}, workspace, {.store_each_result = options.store_each_result});
+ExitStatus print(const EvalOptions& options, const QZCICalcNumber& record, Output& output) {
     const OCINumber packed = pack(record);
     output.result("{}", qzoci::format_number_as_read(packed).value());
     output.result("{}", qzoci::format_hex_all(packed));
@@ -101,15 +77,16 @@ ExitStatus eval(const EvalOptions& options, Output& output) {
         show_engine_lines(output, true);
     }
     const std::string_view expression = trimmed(options.expression);
-    try {
-        return compute(options, expression, output);
-    } catch (const SyntaxError& error) {
-        output.message("at position {}: {}\n{}", error.position(), error.what(),
-                       caret_under(expression, error.position()));
-    } catch (const EvaluationError& error) {
-        output.message("{}\n{}", error.what(), caret_under(expression, error.position()));
+    Variables variables;
+    QZCICalcNumber record;
+    const auto compute_record = [&] {
+        record = compute(expression, parse_expression(expression, variables.names), variables,
+                         options.compute.running(), output);
+    };
+    if (!options.compute.set_variables(variables, output) || !succeeds(expression, output, compute_record)) {
+        return ExitStatus::value_error;
     }
-    return ExitStatus::value_error;
+    return print(options, record, output);
 }
 
 } // namespace
@@ -118,8 +95,7 @@ void add_eval(CommandLine& line) {
     const auto options = std::make_shared<EvalOptions>();
     Command command = line.add("eval", "Arithmetic on decimals and stored numbers", help());
     command.value("EXPRESSION", options->expression, "See above");
-    command.flag("--stored", options->store_each_result,
-                 "Pass each operation's result through the stored form");
+    options->compute.add_to(command);
     command.flag("--record", options->record, "Also print the result's full record, exactly");
     command.flag("--limbs", options->limbs, "Also print the record's fields as they stand");
     command.flag("--trace", options->trace, "Show the engine's trace lines on standard error");

@@ -22,6 +22,7 @@ constexpr const char* examples = R"(Examples:
   qznum eval --record '1 / 3'          all 160 digits after the point
   qznum eval 'sqrt(2) * sin(pi / 4)'   elementary functions
   qznum functions                      which there are
+  qznum trace '1 / 3 + 1'              what the engine does, step by step
 )";
 
 ExitStatus run(const std::vector<std::string>& arguments, Output& output) {
@@ -30,6 +31,8 @@ ExitStatus run(const std::vector<std::string>& arguments, Output& output) {
     add_encode(line);
     add_eval(line);
     add_functions(line);
+    add_repl(line);
+    add_trace(line);
     show_engine_lines(output, false);
     return line.run(arguments, output);
 }

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
@@ -63,13 +64,27 @@ void Output::write_block(std::string_view text) {
     }
 }
 
-void Output::write_message(std::string_view text) noexcept {
+void Output::flush() noexcept {
     const std::lock_guard lock(mutex_);
+    flush_results();
+}
+
+void Output::flush_results() noexcept {
     if (results_ != nullptr && std::fflush(results_) != 0) {
         note_failure();
     }
+}
+
+void Output::write_message(std::string_view text) noexcept {
+    const std::lock_guard lock(mutex_);
+    flush_results();
     const std::string line = fmt::format("qznum: {}\n", text);
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+bool Output::may_colour_results() const {
+    const char* const no_colour = std::getenv("NO_COLOR");
+    return isatty(fileno(results_)) == 1 && (no_colour == nullptr || *no_colour == '\0');
 }
 
 void Output::finish() {

@@ -41,10 +41,17 @@ public:
     /* From any thread, as message(). */
     void write_message(std::string_view text) noexcept;
 
+    /* Hands all results so far on to whoever reads them. */
+    void flush() noexcept;
+
+    /* Tells whether results may be coloured: they go to a terminal, and NO_COLOR is not set or empty. */
+    bool may_colour_results() const;
+
     /* Closes the results: everything is written, or IoError. No results after it. */
     void finish();
 
 private:
+    void flush_results() noexcept;
     void note_failure() noexcept;
     void throw_on_failure() const;
 
