@@ -68,32 +68,10 @@ TEST(Number, CountsTheBytesThatBelongToIt) {
     EXPECT_EQ(of_hex("00c1").stored_size(), 1U);
 }
 
-/* ---- Values, by a reading of the bytes that is the test's own ---- */
+/* ---- Order ---- */
 
-/* A value in the units of exact_value.h, the infinities beyond every finite one. Precondition: well-formed. */
 mpz_class value_of(const number& stored) {
-    const auto bytes = stored.bytes();
-    mpz_class infinity = power_of_ten(unit_digits + 200);
-    const bool negative = bytes[1] < 128;
-    if (bytes[1] == 128) {
-        return 0;
-    }
-    if (bytes[0] == 2 && bytes[1] == 255 && bytes[2] == 101) {
-        return infinity;
-    }
-    if (bytes[0] == 1) {
-        return -infinity;
-    }
-    std::vector<int> pairs;
-    for (std::size_t i = 2; i <= bytes[0]; ++i) {
-        pairs.push_back(negative ? 101 - bytes[i] : bytes[i] - 1);
-    }
-    if (pairs.back() == -1) {
-        pairs.pop_back();
-    }
-    const int exponent = negative ? 62 - bytes[1] : bytes[1] - 193;
-    const mpz_class magnitude = value_of_pairs(pairs, exponent);
-    return negative ? mpz_class(-magnitude) : magnitude;
+    return value_of_well_formed(stored.oci());
 }
 
 struct Valued {

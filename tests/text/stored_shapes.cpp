@@ -30,6 +30,29 @@ mpz_class value_of(const Shape& shape) {
     return shape.negative ? mpz_class(-magnitude) : magnitude;
 }
 
+mpz_class value_of_well_formed(const OCINumber& number) {
+    const auto& bytes = number.OCINumberPart;
+    const bool negative = bytes[1] < 128;
+    if (bytes[1] == 128) {
+        return 0;
+    }
+    mpz_class infinity = power_of_ten(unit_digits + 200);
+    if (bytes[0] == 2 && bytes[1] == 255 && bytes[2] == 101) {
+        return infinity;
+    }
+    if (bytes[0] == 1) {
+        return -infinity;
+    }
+    Shape shape{negative, negative ? 62 - bytes[1] : bytes[1] - 193, {}};
+    for (std::size_t i = 2; i <= bytes[0]; ++i) {
+        shape.pairs.push_back(negative ? 101 - bytes[i] : bytes[i] - 1);
+    }
+    if (shape.pairs.back() == -1) {
+        shape.pairs.pop_back(); /* the terminator */
+    }
+    return value_of(shape);
+}
+
 void for_every_shape(const std::function<void(const Shape&)>& visit) {
     std::mt19937_64 random(5);
     const auto pair_of_pattern = [&random](int pattern, std::size_t i) {

@@ -23,6 +23,10 @@ OCINumber encode(const Shape& shape);
 /* In the units of exact_value.h. */
 mpz_class value_of(const Shape& shape);
 
+/* The value of bytes, in the same units, the infinities beyond every finite one: a reading of the format that has nothing
+ * in common with the layer's. Precondition: well-formed. */
+mpz_class value_of_well_formed(const OCINumber& number);
+
 /* Every sign, exponent and number of pairs, with seven patterns of pairs each: 01, 99, 10, 00, 01 before 00,
  * random ones, 00 and 99 in turn. 255 * 20 * 7 in all, the same in every run.
  * The one pair of bytes that reads as an infinity cannot come up: 101 encodes no positive pair. */
