@@ -310,6 +310,11 @@ common_value<A, B> apply_two(const operation<Function>& operation, const A& a, c
     return apply<value>(operation, as<value>(a), as<value>(b));
 }
 
+} // namespace detail
+
+/* The operations by the names of their results. */
+namespace detail::operations {
+
 /* ---- The operations that work in place, as the others do ---- */
 
 inline sword negated(const QZCICalcNumber* x, QZCICalcNumber* result) {
@@ -357,7 +362,7 @@ inline constexpr operation power = {"QZCICalcNumPower", QZCICalcNumPower};
 inline constexpr operation integer_power = {"QZCICalcNumIntPower", QZCICalcNumIntPower};
 inline constexpr operation integer_multiplication = {"QZCICalcNumMulWhitInterge", QZCICalcNumMulWhitInterge};
 
-} // namespace detail
+} // namespace detail::operations
 
 /* ---- Arithmetic ---- */
 
@@ -365,62 +370,62 @@ inline constexpr operation integer_multiplication = {"QZCICalcNumMulWhitInterge"
  * made by hand alone. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_add(const A& a, const B& b) {
-    return detail::try_apply_two(detail::addition, a, b);
+    return detail::try_apply_two(detail::operations::addition, a, b);
 }
 
 /** @copydoc try_add */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> operator+(const A& a, const B& b) {
-    return detail::apply_two(detail::addition, a, b);
+    return detail::apply_two(detail::operations::addition, a, b);
 }
 
 /** a - b. (+inf) - (+inf) is 0, (-inf) - (-inf) is -inf. Fails on records made by hand alone. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_sub(const A& a, const B& b) {
-    return detail::try_apply_two(detail::subtraction, a, b);
+    return detail::try_apply_two(detail::operations::subtraction, a, b);
 }
 
 /** @copydoc try_sub */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> operator-(const A& a, const B& b) {
-    return detail::apply_two(detail::subtraction, a, b);
+    return detail::apply_two(detail::operations::subtraction, a, b);
 }
 
 /** a * b. Zero times infinity is zero. Fails on records made by hand alone. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_mul(const A& a, const B& b) {
-    return detail::try_apply_two(detail::multiplication, a, b);
+    return detail::try_apply_two(detail::operations::multiplication, a, b);
 }
 
 /** @copydoc try_mul */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> operator*(const A& a, const B& b) {
-    return detail::apply_two(detail::multiplication, a, b);
+    return detail::apply_two(detail::operations::multiplication, a, b);
 }
 
 /** a / b. Fails on a zero divisor. Divisors of more than one limb of eight digits can give quotients that are not the
  * mathematical ones: check_division() tells. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_div(const A& a, const B& b) {
-    return detail::try_apply_two(detail::division, a, b);
+    return detail::try_apply_two(detail::operations::division, a, b);
 }
 
 /** @copydoc try_div */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> operator/(const A& a, const B& b) {
-    return detail::apply_two(detail::division, a, b);
+    return detail::apply_two(detail::operations::division, a, b);
 }
 
 /** The remainder of the truncating division a / b, with the sign of a. Fails on a zero divisor. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_mod(const A& a, const B& b) {
-    return detail::try_apply_two(detail::remainder, a, b);
+    return detail::try_apply_two(detail::operations::remainder, a, b);
 }
 
 /** @copydoc try_mod */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> operator%(const A& a, const B& b) {
-    return detail::apply_two(detail::remainder, a, b);
+    return detail::apply_two(detail::operations::remainder, a, b);
 }
 
 /** x. */
@@ -432,7 +437,7 @@ Value operator+(const Value& x) {
 /** x with the other sign, of a zero and an infinity too. */
 template <exact_value Value>
 Value operator-(const Value& x) {
-    return detail::apply<Value>(detail::negation, x);
+    return detail::apply<Value>(detail::operations::negation, x);
 }
 
 /** In place, the result rounded to 20 digit pairs; a value that throws leaves x as it was. */
@@ -473,49 +478,49 @@ number& operator%=(number& x, const Operand& divisor) {
 /** x without its sign, exactly. */
 template <exact_value Value>
 result<Value> try_abs(const Value& x) {
-    return detail::try_apply<Value>(detail::absolute, x);
+    return detail::try_apply<Value>(detail::operations::absolute, x);
 }
 
 /** @copydoc try_abs */
 template <exact_value Value>
 Value abs(const Value& x) {
-    return detail::apply<Value>(detail::absolute, x);
+    return detail::apply<Value>(detail::operations::absolute, x);
 }
 
 /** The smallest integer not below x. Infinities stay, with an error line. */
 template <exact_value Value>
 result<Value> try_ceil(const Value& x) {
-    return detail::try_apply<Value>(detail::ceiling, x);
+    return detail::try_apply<Value>(detail::operations::ceiling, x);
 }
 
 /** @copydoc try_ceil */
 template <exact_value Value>
 Value ceil(const Value& x) {
-    return detail::apply<Value>(detail::ceiling, x);
+    return detail::apply<Value>(detail::operations::ceiling, x);
 }
 
 /** The largest integer not above x. Infinities stay, with an error line. */
 template <exact_value Value>
 result<Value> try_floor(const Value& x) {
-    return detail::try_apply<Value>(detail::floor, x);
+    return detail::try_apply<Value>(detail::operations::floor, x);
 }
 
 /** @copydoc try_floor */
 template <exact_value Value>
 Value floor(const Value& x) {
-    return detail::apply<Value>(detail::floor, x);
+    return detail::apply<Value>(detail::operations::floor, x);
 }
 
 /** x without its fraction. */
 template <exact_value Value>
 result<Value> try_trunc(const Value& x) {
-    return detail::try_apply<Value>(detail::truncation, x);
+    return detail::try_apply<Value>(detail::operations::truncation, x);
 }
 
 /** @copydoc try_trunc */
 template <exact_value Value>
 Value trunc(const Value& x) {
-    return detail::apply<Value>(detail::truncation, x);
+    return detail::apply<Value>(detail::operations::truncation, x);
 }
 
 /* ---- Elementary functions: angles in radians ---- */
@@ -523,194 +528,194 @@ Value trunc(const Value& x) {
 /** The square root. Of a negative number and of +inf zero, with an error line. */
 template <exact_value Value>
 result<Value> try_sqrt(const Value& x) {
-    return detail::try_apply<Value>(detail::square_root, x);
+    return detail::try_apply<Value>(detail::operations::square_root, x);
 }
 
 /** @copydoc try_sqrt */
 template <exact_value Value>
 Value sqrt(const Value& x) {
-    return detail::apply<Value>(detail::square_root, x);
+    return detail::apply<Value>(detail::operations::square_root, x);
 }
 
 /** e to the power x. Infinite from 369 on, zero from -369 down. */
 template <exact_value Value>
 result<Value> try_exp(const Value& x) {
-    return detail::try_apply<Value>(detail::exponential, x);
+    return detail::try_apply<Value>(detail::operations::exponential, x);
 }
 
 /** @copydoc try_exp */
 template <exact_value Value>
 Value exp(const Value& x) {
-    return detail::apply<Value>(detail::exponential, x);
+    return detail::apply<Value>(detail::operations::exponential, x);
 }
 
 /** The natural logarithm. Of zero -inf, whose zero flag is set too. Fails where the sign is -1, of a zero or
  * an infinity too. */
 template <exact_value Value>
 result<Value> try_ln(const Value& x) {
-    return detail::try_apply<Value>(detail::logarithm, x);
+    return detail::try_apply<Value>(detail::operations::logarithm, x);
 }
 
 /** @copydoc try_ln */
 template <exact_value Value>
 Value ln(const Value& x) {
-    return detail::apply<Value>(detail::logarithm, x);
+    return detail::apply<Value>(detail::operations::logarithm, x);
 }
 
 /** The sine; of an infinity 0. */
 template <exact_value Value>
 result<Value> try_sin(const Value& x) {
-    return detail::try_apply<Value>(detail::sine, x);
+    return detail::try_apply<Value>(detail::operations::sine, x);
 }
 
 /** @copydoc try_sin */
 template <exact_value Value>
 Value sin(const Value& x) {
-    return detail::apply<Value>(detail::sine, x);
+    return detail::apply<Value>(detail::operations::sine, x);
 }
 
 /** The cosine; of an infinity 1. */
 template <exact_value Value>
 result<Value> try_cos(const Value& x) {
-    return detail::try_apply<Value>(detail::cosine, x);
+    return detail::try_apply<Value>(detail::operations::cosine, x);
 }
 
 /** @copydoc try_cos */
 template <exact_value Value>
 Value cos(const Value& x) {
-    return detail::apply<Value>(detail::cosine, x);
+    return detail::apply<Value>(detail::operations::cosine, x);
 }
 
 /** The tangent; where the cosine is zero, an infinity with the sign of the sine. */
 template <exact_value Value>
 result<Value> try_tan(const Value& x) {
-    return detail::try_apply<Value>(detail::tangent, x);
+    return detail::try_apply<Value>(detail::operations::tangent, x);
 }
 
 /** @copydoc try_tan */
 template <exact_value Value>
 Value tan(const Value& x) {
-    return detail::apply<Value>(detail::tangent, x);
+    return detail::apply<Value>(detail::operations::tangent, x);
 }
 
 /** The sine, rounded half-up in magnitude to 38 fraction digits. */
 template <exact_value Value>
 result<Value> try_sin_rounded(const Value& x) {
-    return detail::try_apply<Value>(detail::rounded_sine, x);
+    return detail::try_apply<Value>(detail::operations::rounded_sine, x);
 }
 
 /** @copydoc try_sin_rounded */
 template <exact_value Value>
 Value sin_rounded(const Value& x) {
-    return detail::apply<Value>(detail::rounded_sine, x);
+    return detail::apply<Value>(detail::operations::rounded_sine, x);
 }
 
 /** The cosine, rounded half-up in magnitude to 38 fraction digits. */
 template <exact_value Value>
 result<Value> try_cos_rounded(const Value& x) {
-    return detail::try_apply<Value>(detail::rounded_cosine, x);
+    return detail::try_apply<Value>(detail::operations::rounded_cosine, x);
 }
 
 /** @copydoc try_cos_rounded */
 template <exact_value Value>
 Value cos_rounded(const Value& x) {
-    return detail::apply<Value>(detail::rounded_cosine, x);
+    return detail::apply<Value>(detail::operations::rounded_cosine, x);
 }
 
 /** sin_rounded(x) / cos_rounded(x), itself not rounded. */
 template <exact_value Value>
 result<Value> try_tan_rounded(const Value& x) {
-    return detail::try_apply<Value>(detail::rounded_tangent, x);
+    return detail::try_apply<Value>(detail::operations::rounded_tangent, x);
 }
 
 /** @copydoc try_tan_rounded */
 template <exact_value Value>
 Value tan_rounded(const Value& x) {
-    return detail::apply<Value>(detail::rounded_tangent, x);
+    return detail::apply<Value>(detail::operations::rounded_tangent, x);
 }
 
 /** The angle in [-pi/2, pi/2] whose sine is x. Fails where |x| > 1. */
 template <exact_value Value>
 result<Value> try_asin(const Value& x) {
-    return detail::try_apply<Value>(detail::arcsine, x);
+    return detail::try_apply<Value>(detail::operations::arcsine, x);
 }
 
 /** @copydoc try_asin */
 template <exact_value Value>
 Value asin(const Value& x) {
-    return detail::apply<Value>(detail::arcsine, x);
+    return detail::apply<Value>(detail::operations::arcsine, x);
 }
 
 /** The angle in [0, pi] whose cosine is x. Fails where |x| > 1. */
 template <exact_value Value>
 result<Value> try_acos(const Value& x) {
-    return detail::try_apply<Value>(detail::arccosine, x);
+    return detail::try_apply<Value>(detail::operations::arccosine, x);
 }
 
 /** @copydoc try_acos */
 template <exact_value Value>
 Value acos(const Value& x) {
-    return detail::apply<Value>(detail::arccosine, x);
+    return detail::apply<Value>(detail::operations::arccosine, x);
 }
 
 /** The angle in (-pi/2, pi/2) whose tangent is x; of an infinity +-pi/2. */
 template <exact_value Value>
 result<Value> try_atan(const Value& x) {
-    return detail::try_apply<Value>(detail::arctangent, x);
+    return detail::try_apply<Value>(detail::operations::arctangent, x);
 }
 
 /** @copydoc try_atan */
 template <exact_value Value>
 Value atan(const Value& x) {
-    return detail::apply<Value>(detail::arctangent, x);
+    return detail::apply<Value>(detail::operations::arctangent, x);
 }
 
 /** The hyperbolic sine. */
 template <exact_value Value>
 result<Value> try_sinh(const Value& x) {
-    return detail::try_apply<Value>(detail::hyperbolic_sine, x);
+    return detail::try_apply<Value>(detail::operations::hyperbolic_sine, x);
 }
 
 /** @copydoc try_sinh */
 template <exact_value Value>
 Value sinh(const Value& x) {
-    return detail::apply<Value>(detail::hyperbolic_sine, x);
+    return detail::apply<Value>(detail::operations::hyperbolic_sine, x);
 }
 
 /** The hyperbolic cosine. */
 template <exact_value Value>
 result<Value> try_cosh(const Value& x) {
-    return detail::try_apply<Value>(detail::hyperbolic_cosine, x);
+    return detail::try_apply<Value>(detail::operations::hyperbolic_cosine, x);
 }
 
 /** @copydoc try_cosh */
 template <exact_value Value>
 Value cosh(const Value& x) {
-    return detail::apply<Value>(detail::hyperbolic_cosine, x);
+    return detail::apply<Value>(detail::operations::hyperbolic_cosine, x);
 }
 
 /** The hyperbolic tangent. Infinite where e^x overflows; -inf where e^x is below 10^-144 but not zero. */
 template <exact_value Value>
 result<Value> try_tanh(const Value& x) {
-    return detail::try_apply<Value>(detail::hyperbolic_tangent, x);
+    return detail::try_apply<Value>(detail::operations::hyperbolic_tangent, x);
 }
 
 /** @copydoc try_tanh */
 template <exact_value Value>
 Value tanh(const Value& x) {
-    return detail::apply<Value>(detail::hyperbolic_tangent, x);
+    return detail::apply<Value>(detail::operations::hyperbolic_tangent, x);
 }
 
 /** The angle of the point (x, y), in (-pi, pi]. Of (0, 0) zero, with an error line. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_atan2(const A& y, const B& x) {
-    return detail::try_apply_two(detail::arctangent_of_point, y, x);
+    return detail::try_apply_two(detail::operations::arctangent_of_point, y, x);
 }
 
 /** @copydoc try_atan2 */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> atan2(const A& y, const B& x) {
-    return detail::apply_two(detail::arctangent_of_point, y, x);
+    return detail::apply_two(detail::operations::arctangent_of_point, y, x);
 }
 
 /** base to the power exponent, as e^(exponent * ln |base|). Infinite exponents have inverted limits: 2^(+inf)
@@ -718,13 +723,13 @@ common_value<A, B> atan2(const A& y, const B& x) {
  * to an infinite power. */
 template <typename A, exact_operand_with<A> B>
 result<common_value<A, B>> try_pow(const A& base, const B& exponent) {
-    return detail::try_apply_two(detail::power, base, exponent);
+    return detail::try_apply_two(detail::operations::power, base, exponent);
 }
 
 /** @copydoc try_pow */
 template <typename A, exact_operand_with<A> B>
 common_value<A, B> pow(const A& base, const B& exponent) {
-    return detail::apply_two(detail::power, base, exponent);
+    return detail::apply_two(detail::operations::power, base, exponent);
 }
 
 /** base to an integer power by squarings alone: base^(2^k), times base when |exponent| is odd, so that x^6 is
@@ -732,25 +737,25 @@ common_value<A, B> pow(const A& base, const B& exponent) {
  * negative exponent. pow() has all powers. */
 template <exact_value Value>
 result<Value> try_int_pow(const Value& base, sword exponent) {
-    return detail::try_apply<Value>(detail::integer_power, base, exponent);
+    return detail::try_apply<Value>(detail::operations::integer_power, base, exponent);
 }
 
 /** @copydoc try_int_pow */
 template <exact_value Value>
 Value int_pow(const Value& base, sword exponent) {
-    return detail::apply<Value>(detail::integer_power, base, exponent);
+    return detail::apply<Value>(detail::operations::integer_power, base, exponent);
 }
 
 /** x * factor without any rounding in the record. Infinite when it reaches 10^160. */
 template <exact_value Value>
 result<Value> try_mul_integer(const Value& x, ub4 factor) {
-    return detail::try_apply<Value>(detail::integer_multiplication, x, factor);
+    return detail::try_apply<Value>(detail::operations::integer_multiplication, x, factor);
 }
 
 /** @copydoc try_mul_integer */
 template <exact_value Value>
 Value mul_integer(const Value& x, ub4 factor) {
-    return detail::apply<Value>(detail::integer_multiplication, x, factor);
+    return detail::apply<Value>(detail::operations::integer_multiplication, x, factor);
 }
 
 /* ---- Constants ---- */
@@ -843,27 +848,27 @@ constexpr std::weak_ordering operator<=>(const calc& a, const calc& b) noexcept 
 }
 
 inline calc& calc::operator+=(const calc& addend) {
-    detail::throw_on_failure(detail::evaluate(detail::addition, *this, *this, addend));
+    detail::throw_on_failure(detail::evaluate(detail::operations::addition, *this, *this, addend));
     return *this;
 }
 
 inline calc& calc::operator-=(const calc& subtrahend) {
-    detail::throw_on_failure(detail::evaluate(detail::subtraction, *this, *this, subtrahend));
+    detail::throw_on_failure(detail::evaluate(detail::operations::subtraction, *this, *this, subtrahend));
     return *this;
 }
 
 inline calc& calc::operator*=(const calc& factor) {
-    detail::throw_on_failure(detail::evaluate(detail::multiplication, *this, *this, factor));
+    detail::throw_on_failure(detail::evaluate(detail::operations::multiplication, *this, *this, factor));
     return *this;
 }
 
 inline calc& calc::operator/=(const calc& divisor) {
-    detail::throw_on_failure(detail::evaluate(detail::division, *this, *this, divisor));
+    detail::throw_on_failure(detail::evaluate(detail::operations::division, *this, *this, divisor));
     return *this;
 }
 
 inline calc& calc::operator%=(const calc& divisor) {
-    detail::throw_on_failure(detail::evaluate(detail::remainder, *this, *this, divisor));
+    detail::throw_on_failure(detail::evaluate(detail::operations::remainder, *this, *this, divisor));
     return *this;
 }
 

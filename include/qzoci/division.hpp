@@ -154,7 +154,6 @@ constexpr division_check judge(const digit_string<capacity>& a, const digit_stri
 /* ---- Stored numbers: base 100 ---- */
 
 using pair_string = digit_string<max_pairs>;
-inline constexpr int highest_exponent = 62;
 
 /* From the unit below the smallest quotient times the last pair of the smallest divisor, to the product of the first pairs. */
 using pair_sum =

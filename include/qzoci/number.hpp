@@ -146,6 +146,9 @@ constexpr int lowest_exponent(bool negative) {
     return negative ? -65 : -64;
 }
 
+/* The base-100 exponent of the highest exponent byte. */
+inline constexpr int highest_exponent = 62;
+
 constexpr ub1 exponent_byte(bool negative, int exponent) {
     return static_cast<ub1>(negative ? 62 - exponent : 193 + exponent);
 }

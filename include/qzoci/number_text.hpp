@@ -91,8 +91,6 @@ consteval number operator""_qz(const char* text, std::size_t size);
 
 namespace detail {
 
-inline constexpr int highest_exponent = 62; /* base 100 */
-
 /* floor(weight / 2): the base-100 exponent of the pair that a digit of this weight belongs to. */
 constexpr sb8 pair_exponent(sb8 weight) {
     return weight >= 0 ? weight / 2 : -((1 - weight) / 2);

@@ -214,7 +214,6 @@ constexpr sword pack_limbs(const QZCICalcNumber& record, OCINumber& number) {
     }
     const bool positive = record.num_signed == 1;
     const int exponent = leading_exponent(record);
-    constexpr int highest_exponent = 62;
     if (exponent < lowest_exponent(!positive)) {
         store_zero(number);
         return OCI_SUCCESS;
