@@ -181,6 +181,16 @@ TEST(TrialDigit, IsNotBoundedByTheBase) {
     EXPECT_EQ(knuth_calc_delta(0, 2, u.data(), v.data()), 200000005U);
 }
 
+/* Each refinement takes 1 off the estimate q and adds 1 to the rest: with a second divisor limb of 99999999 that
+ * ends after q / 2 of them. */
+TEST(TrialDigit, IsRefinedAThousandTimesAtMost) {
+    Array v = {0, 99999999, 1};
+    Array settles = {0, 0, 2000, 0};
+    EXPECT_EQ(knuth_calc_delta(0, 3, settles.data(), v.data()), 1000U);
+    Array does_not = {0, 0, 2002, 0};
+    EXPECT_EQ(knuth_calc_delta(0, 3, does_not.data(), v.data()), 0U);
+}
+
 TEST(TrialDigit, LooksAtItsPosition) {
     Array u = {7, 0, 0, 1, 9};
     Array v = {99999999, 50000000};
@@ -317,7 +327,7 @@ TEST(LimbDifference, TellsWhetherItWentBelowZero) {
     EXPECT_EQ(negative, 0);
     calc_sub(b.data(), 1, a.data(), 2, &negative, difference.data());
     EXPECT_EQ(difference, (Array{1, 99999999, 7}));
-    EXPECT_NE(negative, 0);
+    EXPECT_EQ(negative, 1);
 }
 
 TEST(LimbDifference, OfNoLimbsIsNotNegative) {
@@ -336,7 +346,7 @@ TEST(LimbDifference, OfALimbOf100000000CanLeaveMinusOne) {
     boolean negative = 0;
     calc_sub(a.data(), 2, b.data(), 2, &negative, difference.data());
     EXPECT_EQ(difference, (Array{99999999, 4294967295}));
-    EXPECT_NE(negative, 0);
+    EXPECT_EQ(negative, 1);
 }
 
 TEST(LimbProduct, KeepsALimbOfExactly100000000) {

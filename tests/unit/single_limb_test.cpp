@@ -56,6 +56,11 @@ TEST(SingleLimbQuotient, DroppedLimbOf50000000IsNotRoundedUpWhateverFollows) {
     EXPECT_EQ(quotient(limbs({{37, 7}, {38, 50000000}, {39, 99999999}}) + " D:1e16"), "1,0,39,39,0,z39.7");
 }
 
+/* By 10^8 forty limbs of 99999999 move down by one, from limb 1 on. */
+TEST(SingleLimbQuotient, RoundingCarryReachesLimb0) {
+    EXPECT_EQ(quotient("R:1,0,0,39,0," + repeated("99999999", 40) + " D:1e8"), "1,0,0,0,0,1.z39");
+}
+
 TEST(SingleLimbQuotient, DroppedLimbAbove50000000IsRoundedUp) {
     EXPECT_EQ(quotient(limbs({{37, 7}, {38, 50000001}}) + " D:1e16"), "1,0,39,39,0,z39.8");
 }

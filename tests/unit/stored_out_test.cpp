@@ -247,6 +247,10 @@ TEST(StorageRounding, CarryStopsAtTheFirstLimbThatTakesIt) {
     EXPECT_EQ(rounded(limbs({{21, 5}, {22, 6}, {23, 99999999}, {24, 99999950}})), "1,0,21,22,0,z21.5.7.z17");
 }
 
+TEST(StorageRounding, CarryReachesLimb0) {
+    EXPECT_EQ(rounded("R:1,0,0,24,0,5." + repeated("99999999", 24) + ".z15"), "1,0,0,0,0,6.z39");
+}
+
 TEST(StorageRounding, WhatIsBelowBecomesZero) {
     EXPECT_EQ(rounded(limbs({{25, 99999999}})), positive_zero);
     EXPECT_EQ(rounded(limbs({{24, 49}}, -1)), negative_zero);

@@ -128,6 +128,11 @@ TEST(TextForm, BufferOfEightBytesALimbIsTooSmall) {
     expect_text("D:-7", 9, "-7,");
 }
 
+TEST(TextForm, BufferOfOneByteMoreThanEightALimbIsEnoughWhereTheTextFits) {
+    expect_text("D:100000002", 17, "1,00000002,");
+    expect_text("D:100000000", 12, "1,00000000,");
+}
+
 TEST(TextForm, IntegerLimbsOfANumberThatReachesTheUnitsNeedEightBytesEach) {
     /* One limb at index 19 against start 0: (20 - 0) * 8 = 160 bytes, and all 20 limbs above 8 * 20. */
     expect_failure(request("D:1e152", 8), OCI_ERROR, {not_enough(2, 8)});
