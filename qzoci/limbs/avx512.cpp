@@ -133,77 +133,87 @@ QZOCI_AVX512 inline bool finish_product(Columns<Vectors>& columns, int first, bo
     return true;
 }
 
-/* The limbs of b that a row of the product takes, zeros around them. From memory by masks, which is best for few
- * rows; masked-off limbs are not read, and the address may lie outside the array. */
-struct MaskedWindows {
-    const Limb* limbs;
-    LimbMask inside;
-
-    QZOCI_AVX512 explicit MaskedWindows(const Magnitude& b) : limbs(b.limbs), inside(bits(b.first, b.last)) {}
-
-    QZOCI_AVX512 Vector load(int start, int v) const {
-        const LimbMask window = start >= 0 ? inside >> start : inside << -start;
-        const auto address = reinterpret_cast<std::uintptr_t>(limbs) +
-                             static_cast<std::uintptr_t>(std::intptr_t{start + v * vector_limbs} *
-                                                         std::intptr_t{sizeof(Limb)});
-        return _mm512_maskz_loadu_epi32(part_of(window, v), reinterpret_cast<const void*>(address));
-    }
-};
-
-/* Or from a copy between zeros, -20 <= start <= 39. */
-struct PaddedWindows {
-    static constexpr int zeros_before = 2 * vector_limbs;
-    alignas(Vector) Limb limbs[8 * vector_limbs];
-
-    QZOCI_AVX512 explicit PaddedWindows(const Magnitude& b) {
-        const Vector zero = _mm512_setzero_si512();
-        const Loaded middle = qzoci::limbs::load(b);
-        const Vector vectors[8] = {zero,           zero, middle.part[0], middle.part[1],
-                                   middle.part[2], zero, zero,           zero};
-        QZOCI_UNROLLED
-        for (int v = 0; v < 8; ++v) {
-            _mm512_store_si512(limbs + v * vector_limbs, vectors[v]);
-        }
-    }
-
-    QZOCI_AVX512 Vector load(int start, int v) const {
-        return _mm512_loadu_si512(limbs + zeros_before + start + v * vector_limbs);
-    }
-};
-
-/* Adds the products by limb i of a, whose value factor is, and by all after it. The first Skipped vectors of
- * columns have all their products: the windows of b that are left for them lie before b_first. */
-template <int Vectors, int Skipped, typename Windows>
-QZOCI_AVX512 inline void add_rows(const Magnitude& a, const Windows& b, int b_first, int first, int i,
-                                  Vector factor, Columns<Vectors>& columns) {
-    const int last = std::min(a.last, first + units_limb + (Skipped + 1) * vector_limbs - 1 - b_first);
-    for (; i <= last; ++i) {
-        const Vector next = i < a.last ? all(a.limbs[i + 1]) : _mm512_setzero_si512();
-        QZOCI_UNROLLED
-        for (int v = Skipped; v < Vectors; ++v) {
-            const Vector limbs = b.load(first + units_limb - i, v);
-            columns.even[v] = _mm512_add_epi64(columns.even[v], _mm512_mul_epu32(factor, limbs));
-            columns.odd[v] = _mm512_add_epi64(columns.odd[v], _mm512_mul_epu32(next, limbs));
-        }
-        factor = next;
-    }
-    if constexpr (Skipped + 1 < Vectors) {
-        add_rows<Vectors, Skipped + 1>(a, b, b_first, first, i, factor, columns);
-    }
-}
-
-/* Any operands: windows of b, each serving the even columns with a_i and the odd ones with a_(i+1). */
-template <int Vectors, typename Windows>
-QZOCI_AVX512 bool product_by_loads(const Magnitude& a, const Magnitude& b, int first, bool exact,
-                                   Limb* result, Extent& extent) {
+template <int Vectors>
+QZOCI_AVX512 inline Columns<Vectors> no_columns() {
     Columns<Vectors> columns;
     QZOCI_UNROLLED
     for (int v = 0; v < Vectors; ++v) {
         columns.even[v] = _mm512_setzero_si512();
         columns.odd[v] = _mm512_setzero_si512();
     }
-    const Windows windows(b);
-    add_rows<Vectors, 0>(a, windows, b.first, first, a.first - 1, _mm512_setzero_si512(), columns);
+    return columns;
+}
+
+/* Any operands: windows of b by masked loads, each serving the even columns with a_i and the odd ones with
+ * a_(i+1). */
+template <int Vectors>
+QZOCI_AVX512 bool product_by_loads(const Magnitude& a, const Magnitude& b, int first, bool exact,
+                                   Limb* result, Extent& extent) {
+    auto columns = no_columns<Vectors>();
+    const LimbMask inside = bits(b.first, b.last);
+    Vector factor = _mm512_setzero_si512();
+    for (int i = a.first - 1; i <= a.last; ++i) {
+        const Vector next = i < a.last ? all(a.limbs[i + 1]) : _mm512_setzero_si512();
+        const int start = first + units_limb - i;
+        const LimbMask window = start >= 0 ? inside >> start : inside << -start;
+        /* Masked-off limbs are not read; the address may lie outside the array. */
+        const auto address = reinterpret_cast<std::uintptr_t>(b.limbs) +
+                             static_cast<std::uintptr_t>(std::intptr_t{start} * std::intptr_t{sizeof(Limb)});
+        QZOCI_UNROLLED
+        for (int v = 0; v < Vectors; ++v) {
+            const Vector limbs = _mm512_maskz_loadu_epi32(
+                part_of(window, v),
+                reinterpret_cast<const void*>(address + static_cast<std::uintptr_t>(v) * sizeof(Vector)));
+            columns.even[v] = _mm512_add_epi64(columns.even[v], _mm512_mul_epu32(factor, limbs));
+            columns.odd[v] = _mm512_add_epi64(columns.odd[v], _mm512_mul_epu32(next, limbs));
+        }
+        factor = next;
+    }
+    return finish_product(columns, first, exact, result, extent);
+}
+
+/* Many rows: from here on, the copy of b between zeros that saves their masks is worth it. */
+constexpr int many_rows = 16;
+constexpr int zeros_before =
+    2 * vector_limbs; /* a window starts at limb -20 at the lowest, and at 39 at most */
+constexpr int padded_vectors = 8;
+
+/* Adds the products by limb i of a, whose value factor is, and by all after it. The first Skipped vectors of
+ * columns have all their products: the windows of b that are left for them lie before its first limb. */
+template <int Vectors, int Skipped>
+QZOCI_AVX512 inline void add_rows(const Magnitude& a, const Limb* padded, int b_first, int first, int i,
+                                  Vector factor, Columns<Vectors>& columns) {
+    const int last = std::min(a.last, first + units_limb + (Skipped + 1) * vector_limbs - 1 - b_first);
+    for (; i <= last; ++i) {
+        const Vector next = i < a.last ? all(a.limbs[i + 1]) : _mm512_setzero_si512();
+        const Limb* const window = padded + zeros_before + first + units_limb - i;
+        QZOCI_UNROLLED
+        for (int v = Skipped; v < Vectors; ++v) {
+            const Vector limbs = _mm512_loadu_si512(window + v * vector_limbs);
+            columns.even[v] = _mm512_add_epi64(columns.even[v], _mm512_mul_epu32(factor, limbs));
+            columns.odd[v] = _mm512_add_epi64(columns.odd[v], _mm512_mul_epu32(next, limbs));
+        }
+        factor = next;
+    }
+    if constexpr (Skipped + 1 < Vectors) {
+        add_rows<Vectors, Skipped + 1>(a, padded, b_first, first, i, factor, columns);
+    }
+}
+
+template <int Vectors>
+QZOCI_AVX512 bool product_of_many_rows(const Magnitude& a, const Magnitude& b, int first, bool exact,
+                                       Limb* result, Extent& extent) {
+    const Vector zero = _mm512_setzero_si512();
+    const Loaded loaded = load(b);
+    const Vector vectors[padded_vectors] = {zero,           zero, loaded.part[0], loaded.part[1],
+                                            loaded.part[2], zero, zero,           zero};
+    alignas(Vector) Limb padded[padded_vectors * vector_limbs];
+    QZOCI_UNROLLED
+    for (int v = 0; v < padded_vectors; ++v) {
+        _mm512_store_si512(padded + v * vector_limbs, vectors[v]);
+    }
+    auto columns = no_columns<Vectors>();
+    add_rows<Vectors, 0>(a, padded, b.first, first, a.first - 1, zero, columns);
     return finish_product(columns, first, exact, result, extent);
 }
 
@@ -363,17 +373,16 @@ QZOCI_AVX512 bool product_avx512(const Magnitude& a, const Magnitude& b, Limb* r
     const bool a_is_shorter = a.last - a.first <= b.last - b.first;
     const Magnitude& shorter = a_is_shorter ? a : b;
     const Magnitude& longer = a_is_shorter ? b : a;
+    const bool has_many_rows = shorter.last - shorter.first + 1 >= many_rows;
     switch ((last - first) / vector_limbs) {
     case 0:
-        return product_by_loads<1, MaskedWindows>(shorter, longer, first, exact, result, extent);
+        return product_by_loads<1>(shorter, longer, first, exact, result, extent);
     case 1:
-        return product_by_loads<2, MaskedWindows>(shorter, longer, first, exact, result, extent);
+        return has_many_rows ? product_of_many_rows<2>(shorter, longer, first, exact, result, extent)
+                             : product_by_loads<2>(shorter, longer, first, exact, result, extent);
     default:
-        /* The copy is worth it from some twelve rows on. */
-        if (shorter.last - shorter.first < 12) {
-            return product_by_loads<3, MaskedWindows>(shorter, longer, first, exact, result, extent);
-        }
-        return product_by_loads<3, PaddedWindows>(shorter, longer, first, exact, result, extent);
+        return has_many_rows ? product_of_many_rows<3>(shorter, longer, first, exact, result, extent)
+                             : product_by_loads<3>(shorter, longer, first, exact, result, extent);
     }
 }
 
