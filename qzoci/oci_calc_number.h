@@ -23,6 +23,7 @@
 #include "qzoci/oci_log.h"
 #include "qzoci/oci_types.h"
 
+/* Marks what the shared library exports. */
 #if defined(__GNUC__)
 #define QZOCI_API __attribute__((visibility("default")))
 #else
@@ -31,7 +32,9 @@
 
 /* Version of this header, after semantic versioning: as long as MAJOR is 0, MINOR counts the incompatible changes. */
 #define QZOCI_VERSION_MAJOR 0
+/* The second number of the version. */
 #define QZOCI_VERSION_MINOR 1
+/* The third number of the version. */
 #define QZOCI_VERSION_PATCH 0
 
 /* The same as one number that can be compared, MAJOR * 1000000 + MINOR * 1000 + PATCH. */

@@ -18,6 +18,7 @@ typedef enum log_level {
     LOG_LEVEL_SLOWSQL = 7
 } log_level;
 
+/* Lets the compiler check the arguments of a function against its printf format. */
 #if defined(__GNUC__)
 #define QZOCI_PRINTF_LIKE(format_index, first_argument)                                                      \
     __attribute__((format(printf, format_index, first_argument)))

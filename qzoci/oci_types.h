@@ -66,6 +66,7 @@ typedef int boolean; /* zero: false, anything else: true */
  * Bytes after L are not part of the number and are neither read nor written. */
 #ifndef QZOCI_HAVE_OCINumber
 typedef struct OCINumber {
+    /* The bytes, as above. */
     ub1 OCINumberPart[QZOCI_NUMBER_SIZE];
 } OCINumber;
 #endif

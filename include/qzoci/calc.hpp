@@ -76,13 +76,18 @@ public:
     /** For calls of the C interface. */
     constexpr const QZCICalcNumber& record() const noexcept { return record_; }
 
+    /** The same, to be written by the C interface. */
     constexpr QZCICalcNumber& record() noexcept { return record_; }
 
     /** In place; a value that throws leaves this as it was. */
     calc& operator+=(const calc& addend);
+    /** As operator+=. */
     calc& operator-=(const calc& subtrahend);
+    /** As operator+=. */
     calc& operator*=(const calc& factor);
+    /** As operator+=. @throws failure<operation_error> for a zero divisor. */
     calc& operator/=(const calc& divisor);
+    /** As operator+=. @throws failure<operation_error> for a zero divisor. */
     calc& operator%=(const calc& divisor);
 
     /** Without a value until the engine writes one; for this header. */
@@ -140,8 +145,10 @@ constexpr Integer to_integer(const calc& value) {
 
 /* ---- Order ---- */
 
+/** By value, as the engine compares: weak, as equal records can differ in their bytes. */
 constexpr std::weak_ordering operator<=>(const calc& a, const calc& b) noexcept;
 
+/** Whether <=> finds them equal. */
 constexpr bool operator==(const calc& a, const calc& b) noexcept {
     return (a <=> b) == 0;
 }
@@ -156,14 +163,17 @@ constexpr bool is_zero(const calc& value) noexcept {
     return value.record().is_zero != 0;
 }
 
+/** Whether it reads as zero. */
 constexpr bool is_zero(const number& value) noexcept {
     return value == number();
 }
 
+/** Whether it is an infinity of either sign. */
 constexpr bool is_infinite(const calc& value) noexcept {
     return value.record().num_infinity != 0;
 }
 
+/** Whether the bytes are those of an infinity. */
 constexpr bool is_infinite(const number& value) noexcept {
     const number_kind kind = layout_of(value.oci()).kind;
     return kind == number_kind::positive_infinity || kind == number_kind::negative_infinity;

@@ -37,7 +37,9 @@ namespace qzoci {
  * Errors: the grammar; digit_too_high, digit_too_low. */
 constexpr expected<QZCICalcNumber, text_error> parse_record(std::string_view text);
 
+/* A record read from the start of a text, and where it ended. */
 struct record_prefix {
+    /* The number, in normal form. */
     QZCICalcNumber record;
     std::size_t length; /* characters consumed, at least 1 */
 };

@@ -25,6 +25,7 @@ namespace qzoci {
 
 static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<double>::digits == 53);
 
+/** Why a double has no number, or a number no double. */
 enum class double_fault : std::uint8_t {
     not_a_number,    /**< a NaN */
     too_large,       /**< a magnitude of 10^126 or above, finite */

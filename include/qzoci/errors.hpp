@@ -40,8 +40,10 @@ inline std::string message(const operation_error& error) {
 template <typename Error>
 class failure : public std::runtime_error {
 public:
+    /** With the text of message(error). */
     explicit failure(Error error) : std::runtime_error(message(error)), error_(std::move(error)) {}
 
+    /** The value itself, as long as this object lives. */
     const Error& error() const noexcept { return error_; }
 
 private:

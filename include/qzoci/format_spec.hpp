@@ -42,6 +42,7 @@
 
 namespace qzoci {
 
+/** Where the text stands in a wider field. */
 enum class text_alignment : std::uint8_t {
     left,
     right,
@@ -51,14 +52,18 @@ enum class text_alignment : std::uint8_t {
 
 /** One code point of UTF-8. */
 struct fill_character {
+    /** The bytes, the first size of them. */
     std::array<char, 4> units{' '};
+    /** How many bytes, 1..4. */
     std::uint8_t size = 1;
 
     constexpr fill_character() = default;
 
+    /** An ASCII character. */
     constexpr fill_character(char unit)
         : units{unit} {} // NOLINT(google-explicit-constructor): a code point is one
 
+    /** The bytes of one code point. Precondition: 1..4 of them. */
     constexpr explicit fill_character(std::string_view code_point)
         : size(static_cast<std::uint8_t>(code_point.size())) {
         std::copy(code_point.begin(), code_point.end(), units.begin());
@@ -69,15 +74,20 @@ struct fill_character {
 
 /** A text format and the field that the text stands in. */
 struct format_spec {
+    /** How the number is written. */
     text_format format{};
+    /** Code points that the field has at least; longer texts are not cut. */
     std::size_t width = 0;
+    /** Where a shorter text stands. */
     text_alignment alignment = text_alignment::right;
+    /** What the rest of the field holds. */
     fill_character fill{};
     char sign = '-'; /**< '-', '+' or ' ': what a value that is not negative has before it; '-': nothing */
 
     friend constexpr bool operator==(const format_spec&, const format_spec&) = default;
 };
 
+/** What is wrong with a specification. */
 enum class format_spec_fault : std::uint8_t {
     unexpected_character,
     fill_not_allowed,        /**< a brace, or a byte that begins no UTF-8 */
@@ -90,9 +100,10 @@ enum class format_spec_fault : std::uint8_t {
     zeros_with_separator     /**< zeros for fill have no separators */
 };
 
+/** Where a specification is wrong, and why. */
 struct format_spec_error {
-    std::size_t position; /**< offset of the first bad character; the text's size when it ends too early */
-    format_spec_fault fault;
+    std::size_t position;    /**< offset of the first bad character; the text's size when it ends too early */
+    format_spec_fault fault; /**< what is wrong there */
 
     friend constexpr bool operator==(const format_spec_error&, const format_spec_error&) = default;
 };

@@ -16,6 +16,7 @@ namespace qzoci {
 
 /** The 128-bit integers of the compiler, which it counts among the integral types only with its extensions on. */
 __extension__ typedef __int128 int128;
+/** Likewise, unsigned. */
 __extension__ typedef unsigned __int128 uint128;
 
 /** An integer as a number: neither a truth value nor a character. */
@@ -47,6 +48,7 @@ constexpr std::string_view describe(integer_error error) {
     return "unknown error";
 }
 
+/** The error in words, for failure. */
 inline std::string message(integer_error error) {
     return std::string(describe(error));
 }

@@ -30,6 +30,7 @@ namespace qzoci {
 
 /** One line. The texts are valid while the function object runs. */
 struct log_line {
+    /** As the engine wrote it: debug or error. */
     log_level level;
     std::string_view file; /**< the source file that wrote it, relative to the project's root */
     long number;           /**< its line there, from 1 */
@@ -77,6 +78,7 @@ private:
 template <std::invocable<const log_line&> Sink>
 class [[nodiscard]] log_lines final : private detail::line_scope {
 public:
+    /** Begins: lines of the level lowest and above go to sink. */
     explicit log_lines(Sink sink, log_level lowest = LOG_LEVEL_ERROR)
         : line_scope(lowest), sink_(std::move(sink)) {}
 

@@ -35,6 +35,7 @@ namespace qzoci {
  * Threads: no shared state; as safe as an int. No function of this header throws but to_integer(). */
 class number {
 public:
+    /** Bytes of every number, 22. */
     static constexpr std::size_t size = QZOCI_NUMBER_SIZE;
 
     /** Zero, in canonical form. */
@@ -57,6 +58,7 @@ public:
         return std::span<const ub1, size>(stored_.OCINumberPart);
     }
 
+    /** The first of the 22 bytes. */
     constexpr const ub1* data() const noexcept { return stored_.OCINumberPart; }
 
     /** How many bytes belong to the number: the length byte and those it counts, 2..22; 22 when it is above 21, and 1
@@ -68,6 +70,7 @@ public:
     /** For calls of the C interface. */
     constexpr const OCINumber& oci() const noexcept { return stored_; }
 
+    /** The same, to be written by the C interface. */
     constexpr OCINumber& oci() noexcept { return stored_; }
 
 private:

@@ -18,6 +18,7 @@ namespace qzoci {
 
 /* ---- Well-formed or not ---- */
 
+/* Why bytes are malformed. */
 enum class number_fault : std::uint8_t {
     length,                /* the length byte is 0 or above 21 */
     pair_missing,          /* the end or the terminator where the first digit pair would stand */
@@ -26,8 +27,10 @@ enum class number_fault : std::uint8_t {
     bytes_after_terminator /* the terminator 102 is not the last byte */
 };
 
+/* Where bytes are malformed, and why. */
 struct number_error {
     std::size_t offset; /* of the first bad byte, 0..21; 2 for pair_missing */
+    /* What is wrong there. */
     number_fault fault;
 
     friend constexpr bool operator==(const number_error&, const number_error&) = default;
@@ -41,8 +44,10 @@ enum class number_note_kind : std::uint8_t {
     pair_below_record   /* a non-zero pair below 100^-80: part of the value, but dropped on unpacking */
 };
 
+/* What well-formed bytes have, and where. */
 struct number_note {
     std::size_t offset; /* of the first byte the note is about */
+    /* What they have there. */
     number_note_kind kind;
 
     friend constexpr bool operator==(const number_note&, const number_note&) = default;
@@ -51,14 +56,19 @@ struct number_note {
 /* The notes on one number, in the order of their kinds, at most one of a kind. */
 class number_notes {
 public:
+    /* The first note. */
     constexpr const number_note* begin() const { return notes_.data(); }
 
+    /* Behind the last note. */
     constexpr const number_note* end() const { return notes_.data() + count_; }
 
+    /* How many notes, 0..4. */
     constexpr std::size_t size() const { return count_; }
 
+    /* Whether the bytes are canonical and read without loss. */
     constexpr bool empty() const { return count_ == 0; }
 
+    /* Precondition: fewer than four notes so far, none of this kind. */
     constexpr void add(number_note note) { notes_[count_++] = note; }
 
 private:
@@ -71,14 +81,17 @@ constexpr expected<number_notes, number_error> validate(const OCINumber& number)
 
 /* In words, without the offset. */
 constexpr std::string_view describe(number_fault fault);
+/* Likewise. */
 constexpr std::string_view describe(number_note_kind kind);
 
 /* In words, offsets from 0: "byte 2: digit pair out of range". */
 inline std::string message(const number_error& error);
+/* Likewise: "byte 2: ...". */
 inline std::string message(const number_note& note);
 
 /* ---- Every byte by name ---- */
 
+/* What the engine takes the bytes for. */
 enum class number_kind : std::uint8_t {
     bad_length,
     zero,
@@ -88,6 +101,7 @@ enum class number_kind : std::uint8_t {
     negative_infinity
 };
 
+/* What the engine takes a byte for. */
 enum class byte_role : std::uint8_t {
     length,
     exponent,
@@ -97,7 +111,9 @@ enum class byte_role : std::uint8_t {
     ignored     /* after the length, after the exponent byte of a zero, or after a bad length byte */
 };
 
+/* One byte with its role. */
 struct number_byte {
+    /* What the engine takes it for. */
     byte_role role;
     ub1 value;      /* the byte itself */
     bool malformed; /* outside the range of its role; a malformed byte still has the role the engine gives it
@@ -106,9 +122,12 @@ struct number_byte {
     int weight;     /* role pair: the pair counts pair * 100^weight; else 0 */
 };
 
+/* All bytes of a stored number with their roles. */
 struct number_layout {
+    /* What the engine takes them for. */
     number_kind kind;
     int exponent; /* positive and negative numbers: base-100 exponent of the first pair, -65..62; else 0 */
+    /* Byte by byte, those after the length too. */
     std::array<number_byte, QZOCI_NUMBER_SIZE> bytes;
 };
 

@@ -9,6 +9,7 @@
 
 namespace qzoci {
 
+/* What is wrong with a text. */
 enum class text_fault : std::uint8_t {
     number_expected,         /* neither a digit nor a point nor a letter of "inf" where a number must go on */
     digit_expected,          /* a point with no digit before it and none after it */
@@ -25,8 +26,10 @@ enum class text_fault : std::uint8_t {
     fewer_bytes_than_length  /* the length byte promises more bytes than the text has */
 };
 
+/* Where a text is wrong, and why. */
 struct text_error {
     std::size_t position; /* byte offset of the first bad character; the text's size when it ends too early */
+    /* What is wrong there. */
     text_fault fault;
 
     friend constexpr bool operator==(const text_error&, const text_error&) = default;

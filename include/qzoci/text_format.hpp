@@ -13,6 +13,7 @@
 
 namespace qzoci {
 
+/** With or without an exponent. */
 enum class text_notation : std::uint8_t {
     plain,      /**< 12345.678, never an exponent */
     scientific, /**< 1.2345678e4: one digit before the point */
@@ -35,12 +36,14 @@ enum class rounding_mode : std::uint8_t {
 
 /** How many digits a text has: exactly that many, with zeros at the end where the value has fewer. */
 struct digit_request {
+    /** Which digits are counted. */
     enum class counting : std::uint8_t {
         all, /**< as many as the value needs: nothing is rounded, no zeros at the end of a fraction */
         fraction, /**< the digits after the point; in scientific and engineering notation those before the exponent */
         significant /**< the digits from the first one that is not 0; integers keep their place: 12345 -> 12000 */
     };
 
+    /** Which digits count says the number of. */
     counting counted = counting::all;
     int count = 0; /**< at least 0, or 1 for significant digits; a smaller count counts as that */
 
@@ -65,7 +68,9 @@ constexpr digit_request significant_digits(int count) {
  * the exponent neither), "0" has no minus sign, a value rounded to zero neither; "inf" and "-inf" are the
  * infinities. */
 struct text_format {
+    /** With or without an exponent. */
     text_notation notation = text_notation::plain;
+    /** How many digits; all that the value needs unless asked for. */
     digit_request digits{};
     rounding_mode rounding = rounding_mode::half_up; /**< looked at only where digits have to go */
     char group_separator = '\0'; /**< between groups of digits before the point; NUL: none */
