@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: abi.sh [--write]
 # The binary interface of the shared library is the one kept in tests/abi, to the last symbol and member; --write keeps
-# the present one there. LIBRARY is one with debug information.
+# the present one there: cmake --build build/dev --target keep_interface. LIBRARY is one with debug information.
 # shellcheck source=tests/project/lib.sh
 source "$(dirname "$0")/lib.sh"
 enter_work_folder
@@ -14,7 +14,7 @@ if [[ ${1-} == --write ]]; then
     cp present.abi "$kept"
 fi
 expect_equal "members of the two records, which debug information tells" 7 "$(grep -c '<data-member .*layout-offset' present.abi || true)"
-abidiff "$kept" present.abi || fail "the interface is no longer the one of tests/abi; if it is meant to be, run with --write"
+abidiff "$kept" present.abi || fail "the interface is no longer the one of tests/abi (keep_interface keeps one that is meant to change)"
 
 # expect_reported WHAT SED-SCRIPT: a change of the interface is found
 expect_reported() {

@@ -26,6 +26,7 @@ may_include() {
     log/*) echo 'log/.*|qzoci/oci_log\.h' ;;
     include/qzoci/*) echo "$public|include/qzoci/.*" ;;
     tools/* | examples/*) echo "$public|include/qzoci/.*|log/qzoci/qzoci_log\.h|${1%/*}/.*" ;;
+    tests/project/host/* | tests/project/consumers/*) echo "$public|include/qzoci/.*|log/qzoci/qzoci_log\.h" ;;
     *) echo - ;;
     esac
 }
@@ -48,7 +49,7 @@ report() {
 }
 
 folders=()
-for folder in qzoci log include tools examples; do
+for folder in qzoci log include tools examples tests/project/host tests/project/consumers; do
     if [[ -d $folder ]]; then
         folders+=("$folder")
     fi

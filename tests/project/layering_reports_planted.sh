@@ -4,7 +4,7 @@
 source "$(dirname "$0")/lib.sh"
 enter_work_folder
 
-mkdir -p tree/{qzoci/limbs,log,include/qzoci,tools/qznum,examples}
+mkdir -p tree/{qzoci/limbs,log,include/qzoci,tools/qznum,examples,tests/project/host}
 cp "$SOURCE"/qzoci/*.h tree/qzoci
 cp "$SOURCE"/qzoci/limbs/*.h tree/qzoci/limbs
 echo >tree/qzoci/limbs/product.h
@@ -27,6 +27,7 @@ plant log/sink.cpp '"qzoci/oci_calc_number.h"'
 plant include/qzoci/decimal.hpp '"qzoci/oci_calc_number_internal.h"'
 plant tools/qznum/main.cpp '"../../qzoci/oci_calc_number_model.h"'
 plant examples/ledger.c '<qzoci/oci_calc_number_trace.h>'
+plant tests/project/host/main.c '"qzoci/oci_calc_number_internal.h"'
 if "$SOURCE/tests/project/layering_includes.sh" tree >findings; then
     fail "the faulty tree passes"
 fi
@@ -41,6 +42,7 @@ qzoci/oci_calc_number_model.cpp includes immintrin.h
 qzoci/oci_calc_number_model.cpp includes qzoci/oci_calc_number_arithmetic.h
 qzoci/oci_log.h includes qzoci/oci_types.h
 qzoci/unknown.cpp includes qzoci/oci_types.h
+tests/project/host/main.c includes qzoci/oci_calc_number_internal.h
 tools/qznum/main.cpp includes qzoci/oci_calc_number_model.h" "$(sort findings)"
 
 # object NAME SOURCE
