@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <stdexcept>
@@ -175,9 +176,29 @@ TEST_F(ExamplesRun, ShowsAQuotientThatIsNotTheMathematicalOne) {
                    [](ub4 limb) { return limb % base; });
     const std::string engine = stored_decimal(operand_of_limbs(eight_digits, 1));
     const std::string mathematics = in_stored_decimal(mpq_class(10500000, 655957));
+    EXPECT_THAT(outcome().results, HasSubstr("\nFRF: " + engine + "  different\n"));
     EXPECT_NE(engine, mathematics);
     EXPECT_THAT(outcome().results, HasSubstr("'105 / 6.55957'\n" + engine + "\n"));
     EXPECT_THAT(outcome().results, HasSubstr("'105 * 100000 / 655957'\n" + mathematics + "\n"));
+}
+
+TEST_F(ExamplesRun, ChecksTheQuotientsOfTheLedgerLargestFirst) {
+    const auto rates = entries_of("euro_rates.txt");
+    std::map<mpq_class, std::string, std::greater<>> lines;
+    for (const auto& [currency, amount] : entries_of("largest_notes.txt")) {
+        if (currency != "FRF") {
+            const mpq_class euro =
+                rational_of_decimal(amount.decimal) / rational_of_decimal(rates.at(currency).decimal);
+            lines[euro] = currency + ": " + in_stored_decimal(euro) + "  correctly rounded\n";
+        }
+    }
+    const std::string& results = outcome().results;
+    std::size_t position = 0;
+    for (const auto& [euro, line] : lines) {
+        const std::size_t found = results.find("\n" + line, position);
+        ASSERT_NE(found, std::string::npos) << line;
+        position = found;
+    }
 }
 
 TEST(ExamplesRunUsage, IsToldWhenTheBuildFolderIsMissing) {
@@ -210,6 +231,30 @@ TEST(ConvertLedger, SaysWhatTheEngineSays) {
     EXPECT_THAT(outcome.messages, HasSubstr("QZCICalcNumDiv: the divisor is zeor\n"));
     EXPECT_THAT(outcome.messages, HasSubstr("qzoci/oci_calc_number_arithmetic.cpp:"));
     EXPECT_EQ(outcome.status, 1);
+}
+
+/* ---- check_quotients ---- */
+
+Outcome check_quotients(const std::string& arguments) {
+    return shell(std::string(BUILD_FOLDER "/examples/check_quotients ") + arguments);
+}
+
+TEST(CheckQuotients, GoesOnAfterAZeroRate) {
+    const Outcome outcome =
+        check_quotients("<(echo 'NIL: 0180'; echo 'TWO: 02c103') <(echo 'NIL: 02c102'; echo 'TWO: 02c102')");
+    EXPECT_EQ(outcome.messages,
+              "QZCICalcNumDiv: the divisor is zeor\nNIL: QZCICalcNumDiv returned status -1\n");
+    EXPECT_EQ(outcome.results, "TWO: 0.5  exact\ntotal: 0.5\n");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(CheckQuotients, RefusesWhatIsNoNumber) {
+    EXPECT_EQ(check_quotients("").status, 2);
+    EXPECT_EQ(check_quotients("/nonexistent /nonexistent").status, 1);
+    EXPECT_THAT(check_quotients("<(echo 'BAD: 02c100') <(true)").messages,
+                HasSubstr("byte 2: digit pair out of range"));
+    EXPECT_EQ(check_quotients("<(echo 'BAD: nonsense') <(true)").status, 1);
+    EXPECT_EQ(check_quotients("<(echo 'TWO: 02c103') <(echo 'TWO: 02c102') >/dev/full").status, 1);
 }
 
 } // namespace
