@@ -139,8 +139,8 @@ TEST(QznumTrace, HasColoursOnATerminalAlone) {
 /* ---- Repl ---- */
 
 TEST(QznumRepl, ComputesLinesWithoutPromptsOffATerminal) {
-    const Outcome outcome = qznum({"repl", "--set", "x=2"}, "# a comment\n\n1 / 3\n ans * 3\r\n"
-                                                            "let y = x + 5\ny2 = y * 2\nans - y\n");
+    const std::string lines = "# a comment\n\n1 / 3\n ans * 3\r\nlet y = x + 5\ny2 = y * 2\nans - y\n";
+    const Outcome outcome = qznum({"repl", "--set", "x=2"}, lines);
     EXPECT_EQ(outcome.results, "0." + std::string(40, '3') + "\n1\n7\n14\n7\n");
     EXPECT_EQ(outcome.messages, "");
     EXPECT_EQ(outcome.status, 0);

@@ -205,6 +205,7 @@ INSTANTIATE_TEST_SUITE_P(All, QznumHelp,
                                          std::vector<std::string>{"decode", "--help"},
                                          std::vector<std::string>{"encode", "--help"},
                                          std::vector<std::string>{"eval", "--help"},
+                                         std::vector<std::string>{"map", "--help"},
                                          std::vector<std::string>{"repl", "--help"},
                                          std::vector<std::string>{"trace", "--help"}));
 

@@ -10,6 +10,7 @@ void add_decode(CommandLine& line);
 void add_encode(CommandLine& line);
 void add_eval(CommandLine& line);
 void add_functions(CommandLine& line);
+void add_map(CommandLine& line);
 void add_repl(CommandLine& line);
 void add_trace(CommandLine& line);
 

@@ -93,7 +93,7 @@ void ComputeOptions::add_to(Command& command) {
     command.repeated_option("--set", "NAME=EXPRESSION", assignments_,
                             "Give a variable its value; can be repeated");
     command.option("--time-limit", "TIME", time_limit_,
-                   "Begin no operation after this time, as 500ms or 2s; an error");
+                   "Give up before an operation that would begin after TIME, as 500ms or 2s");
     command.flag("--stored", store_each_result_, "Pass each operation's result through the stored form");
 }
 

@@ -9,9 +9,16 @@ namespace qznum {
 
 namespace {
 
+/* Null: this thread's lines become messages. */
+thread_local std::vector<std::string>* captured_lines = nullptr;
+
 void show_line(void* output, log_level level, const char* /*file*/, long /*line*/, const char* text) {
     const std::string_view kind = level >= LOG_LEVEL_ERROR ? "engine error" : "trace";
-    static_cast<Output*>(output)->message("{}: {}", kind, text);
+    if (captured_lines != nullptr) {
+        captured_lines->push_back(fmt::format("{}: {}", kind, text));
+    } else {
+        static_cast<Output*>(output)->message("{}: {}", kind, text);
+    }
 }
 
 void set_up_log(int status) {
@@ -45,6 +52,14 @@ void show_engine_lines(Output& output, bool debug_lines) {
     if (debug_lines) {
         set_up_log(qzoci_log_set_level(LOG_LEVEL_DEBUG));
     }
+}
+
+CapturedLines::CapturedLines() {
+    captured_lines = &lines_;
+}
+
+CapturedLines::~CapturedLines() {
+    captured_lines = nullptr;
 }
 
 void send_engine_lines(qzoci_log_callback callback, void* user) {

@@ -10,12 +10,28 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qznum {
 
 /* From here on the engine's lines become messages: error lines, or those that QZOCI_LOG_LEVEL asks for; with
  * debug_lines all of them. The output must outlive every call of the engine. */
 void show_engine_lines(Output& output, bool debug_lines);
+
+/* While one lives, the engine's lines of its thread are kept here instead of becoming messages. One at a time. */
+class CapturedLines {
+public:
+    CapturedLines();
+    CapturedLines(const CapturedLines&) = delete;
+    CapturedLines& operator=(const CapturedLines&) = delete;
+    ~CapturedLines();
+
+    /* As the messages would be. */
+    const std::vector<std::string>& lines() const { return lines_; }
+
+private:
+    std::vector<std::string> lines_;
+};
 
 /* From here on the callback gets the engine's lines, all of them. */
 void send_engine_lines(qzoci_log_callback callback, void* user);

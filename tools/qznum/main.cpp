@@ -21,6 +21,7 @@ constexpr const char* examples = R"(Examples:
   qznum eval '(1.5 + 0x03c10233) * 2'  arithmetic on decimals and stored numbers
   qznum eval --record '1 / 3'          all 160 digits after the point
   qznum eval 'sqrt(2) * sin(pi / 4)'   elementary functions
+  qznum map 'x * 1.19' 25 99.90        an expression over each row of a file, or each argument
   qznum functions                      which there are
   qznum trace '1 / 3 + 1'              what the engine does, step by step
 )";
@@ -31,6 +32,7 @@ ExitStatus run(const std::vector<std::string>& arguments, Output& output) {
     add_encode(line);
     add_eval(line);
     add_functions(line);
+    add_map(line);
     add_repl(line);
     add_trace(line);
     show_engine_lines(output, false);

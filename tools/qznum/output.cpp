@@ -82,9 +82,13 @@ void Output::write_message(std::string_view text) noexcept {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+bool Output::results_on_terminal() const {
+    return isatty(fileno(results_)) == 1;
+}
+
 bool Output::may_colour_results() const {
     const char* const no_colour = std::getenv("NO_COLOR");
-    return isatty(fileno(results_)) == 1 && (no_colour == nullptr || *no_colour == '\0');
+    return results_on_terminal() && (no_colour == nullptr || *no_colour == '\0');
 }
 
 void Output::finish() {

@@ -44,6 +44,8 @@ public:
     /* Hands all results so far on to whoever reads them. */
     void flush() noexcept;
 
+    bool results_on_terminal() const;
+
     /* Tells whether results may be coloured: they go to a terminal, and NO_COLOR is not set or empty. */
     bool may_colour_results() const;
 

@@ -1,6 +1,7 @@
 #include "row_command.hpp"
 
 #include "pipeline.hpp"
+#include "progress.hpp"
 
 namespace qznum {
 
@@ -19,7 +20,7 @@ ResultForm OutputOptions::form() const {
 }
 
 void add_input_options(Command& command, InputOptions& options, const std::string& values,
-                       const std::string& values_help) {
+                       const std::string& values_help, const std::vector<std::string>& on_error) {
     RowOptions& rows = options.rows;
     command.values(values, rows.values, values_help);
     command.option("--file", "FILE", rows.file_name, "Read the values from FILE, - for standard input");
@@ -30,8 +31,7 @@ void add_input_options(Command& command, InputOptions& options, const std::strin
                    "The column of a table, by name or by number from 1");
     command.flag("--no-header", rows.no_header, "The first row of a table holds no names");
     command.option("--null", "WORD", rows.null_word, "A cell that is WORD is a null too");
-    command.choice("--on-error", "WHAT", {"skip", "stop"}, options.on_error,
-                   "After a row in error go on with the next one, or stop");
+    command.choice("--on-error", "WHAT", on_error, options.on_error, "What to do about a row in error");
     command.option("--threads", "N", options.threads, "Work with N threads instead of one a processor");
 }
 
@@ -47,22 +47,34 @@ namespace {
 struct BlockResults {
     RowResults rows;
     std::string broken;
+    std::size_t row_count;
+    std::size_t byte_count;
 };
 
 } // namespace
 
 ExitStatus convert_rows(RowSource& source, const InputOptions& options, const RowFormat& format,
-                        const std::function<void(const Row&, RowResults&)>& work, Output& output) {
+                        const std::function<void(const Row&, RowResults&)>& work, Output& output,
+                        RowCounts* counts) {
     const RowShape& shape = source.shape();
     const bool stop_on_error = options.on_error == "stop";
+    const bool keep_on_error = options.on_error == "keep";
+    const auto convert_row = [&](const Row& row, RowResults& results) {
+        if (!row.fault.empty()) {
+            results.error(row, row.fault);
+            return;
+        }
+        const std::size_t errors = results.error_count();
+        work(row, results);
+        if (keep_on_error && results.error_count() > errors) {
+            results.null(row);
+        }
+    };
     const auto convert_block = [&](const Rows& rows) {
-        BlockResults results{RowResults(format, shape), rows.broken()};
+        BlockResults results{RowResults(format, shape), rows.broken(), 0, rows.byte_count()};
         for (const Row& row : rows.rows()) {
-            if (row.fault.empty()) {
-                work(row, results.rows);
-            } else {
-                results.rows.error(row, row.fault);
-            }
+            convert_row(row, results.rows);
+            ++results.row_count;
             if (stop_on_error && results.rows.error_count() > 0) {
                 break;
             }
@@ -70,21 +82,29 @@ ExitStatus convert_rows(RowSource& source, const InputOptions& options, const Ro
         return results;
     };
     ResultWriter writer(format, output);
-    ExitStatus status = ExitStatus::ok;
+    Progress progress(output.results_on_terminal());
+    RowCounts so_far;
+    std::size_t bytes_so_far = 0;
     const auto write_block = [&](const BlockResults& results) {
+        progress.hide();
         writer.write(results.rows);
-        if (results.rows.error_count() > 0) {
-            status = ExitStatus::value_error;
-        }
-        const bool stops = stop_on_error && status != ExitStatus::ok;
+        so_far.rows += results.row_count;
+        so_far.errors += results.rows.error_count();
+        bytes_so_far += results.byte_count;
+        const bool stops = stop_on_error && so_far.errors > 0;
         if (!results.broken.empty() && !stops) {
             throw IoError(results.broken);
         }
+        progress.show(bytes_so_far, source.size(), so_far.rows);
         return !stops;
     };
     for_each_block<BlockResults>(source, options.threads, convert_block, write_block);
+    progress.hide();
     writer.finish();
-    return status;
+    if (counts != nullptr) {
+        *counts = so_far;
+    }
+    return so_far.errors > 0 ? ExitStatus::value_error : ExitStatus::ok;
 }
 
 } // namespace qznum

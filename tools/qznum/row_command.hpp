@@ -10,13 +10,14 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace qznum {
 
 /* What every command that reads rows takes. */
 struct InputOptions {
     RowOptions rows;
-    std::string on_error = "skip"; /* "skip" or "stop" */
+    std::string on_error = "skip"; /* "skip", "stop" or "keep" */
     std::size_t threads = 0;       /* 0: as many as there are processors */
 };
 
@@ -28,19 +29,28 @@ struct OutputOptions {
     ResultForm form() const;
 };
 
-/* `values` names the arguments. The options must live as long as the command's action. */
+/* `values` names the arguments, `on_error` what the command can do about errors. The options must live as long as
+ * the command's action. */
 void add_input_options(Command& command, InputOptions& options, const std::string& values,
-                       const std::string& values_help);
+                       const std::string& values_help,
+                       const std::vector<std::string>& on_error = {"skip", "stop"});
 void add_output_options(Command& command, OutputOptions& options);
 
 /* What rows are, for the explanations of a command. */
 extern const char* const rows_help;
 
+struct RowCounts {
+    std::size_t rows = 0; /* those in error included */
+    std::size_t errors = 0;
+};
+
 /* Calls `work` for each row that is one, in any thread, and writes the results in the order of the rows. Rows
- * with a fault of their own become errors. value_error when there was an error. Throws IoError, also for rows that
+ * with a fault of their own become errors. On request an error of `work` gives a null.
+ * value_error when there was an error. A terminal that has no results sees how far it has come. Throws IoError, also for rows that
  * cannot be read, after the results before them. */
 ExitStatus convert_rows(RowSource& source, const InputOptions& options, const RowFormat& format,
-                        const std::function<void(const Row&, RowResults&)>& work, Output& output);
+                        const std::function<void(const Row&, RowResults&)>& work, Output& output,
+                        RowCounts* counts = nullptr);
 
 } // namespace qznum
 

@@ -81,6 +81,9 @@ public:
 
     const std::vector<Row>& rows() const { return rows_; }
 
+    /* As many as the block has. */
+    std::size_t byte_count() const { return block_.bytes.size(); }
+
     /* Nothing after these rows can be read, and why: "prices.csv:7: ..."; empty: all is well. */
     const std::string& broken() const { return broken_; }
 
