@@ -1,11 +1,13 @@
 /** @file
- * Numbers and doubles, by name only: nothing converts by itself.
+ * Numbers, records and doubles, by name only: nothing converts by itself.
  *
  * Needs a standard library with std::from_chars and std::to_chars of floating-point numbers.
  */
 #ifndef QZOCI_DOUBLE_HPP
 #define QZOCI_DOUBLE_HPP
 
+#include <qzoci/calc.hpp>
+#include <qzoci/decimal_text.hpp>
 #include <qzoci/expected.hpp>
 #include <qzoci/number.hpp>
 #include <qzoci/number_text.hpp>
@@ -14,12 +16,12 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 namespace qzoci {
 
@@ -45,6 +47,10 @@ inline std::string message(double_fault fault);
  * Error: malformed. */
 inline expected<double, double_fault> to_double(const number& value);
 
+/** The double nearest to the record, as that of a number. Every record has one. */
+template <std::same_as<calc> Calc>
+double to_double(const Calc& value);
+
 /** The value of the double, to its last bit, in canonical form: 0.1 has 55 digits and is too_many_digits, 0.5 and 2^120
  * are numbers. Nothing is ever rounded. A zero of either sign is 0, infinities stay.
  * Errors: not_a_number, too_large, too_small, too_many_digits. */
@@ -69,6 +75,16 @@ constexpr double_fault double_fault_of(text_fault fault) {
     default:
         return double_fault::too_many_digits;
     }
+}
+
+inline double nearest_double(decimal_value value) {
+    /* A sign, all digits and a point, "e-160". */
+    std::array<char, max_decimal_digits + 8> text{};
+    const text_layout layout(value, {.notation = text_notation::scientific});
+    const char* const end = layout.write(text.data());
+    double nearest = 0;
+    std::from_chars(text.data(), end, nearest);
+    return nearest;
 }
 
 /* The number in the text of a double. */
@@ -103,16 +119,15 @@ inline std::string message(double_fault fault) {
 }
 
 inline expected<double, double_fault> to_double(const number& value) {
-    /* A sign, 40 digits and a point, "e-168". */
-    std::array<char, 64> text{};
-    const auto end =
-        to_chars(text.data(), text.data() + text.size(), value, {.notation = text_notation::scientific});
-    if (end.ec != std::errc{}) {
+    if (!validate(value)) {
         return unexpected(double_fault::malformed);
     }
-    double nearest = 0;
-    std::from_chars(text.data(), end.ptr, nearest);
-    return nearest;
+    return detail::nearest_double(detail::decimal_of_well_formed(value.oci()));
+}
+
+template <std::same_as<calc> Calc>
+double to_double(const Calc& value) {
+    return detail::nearest_double(detail::decimal_of(value.record()));
 }
 
 inline expected<number, double_fault> from_double_exact(double value) {

@@ -1,11 +1,12 @@
 /** @file
- * Formatters of numbers: fmt::format("{:>12,.2/half_even}", price). The specification is that of format_spec.hpp.
+ * Formatters of numbers and records: fmt::format("{:>12,.2/half_even}", price). The specification is that of format_spec.hpp.
  *
  * fmt::formatter for fmt from version 9 on. Include std_format.hpp for std::formatter.
  */
 #ifndef QZOCI_FORMAT_HPP
 #define QZOCI_FORMAT_HPP
 
+#include <qzoci/calc.hpp>
 #include <qzoci/format_spec.hpp>
 #include <qzoci/number.hpp>
 
@@ -27,6 +28,11 @@ struct fmt_library {
 /** Errors of the specification do not compile where fmt checks formats then, and throw fmt::format_error elsewhere, as
  * do widths and numbers of digits among the arguments that are no integers in 0..999999. */
 template <>
-struct fmt::formatter<qzoci::number> : qzoci::detail::spec_formatter<qzoci::detail::fmt_library> {};
+struct fmt::formatter<qzoci::number>
+    : qzoci::detail::spec_formatter<qzoci::number, qzoci::detail::fmt_library> {};
+
+template <>
+struct fmt::formatter<qzoci::calc> : qzoci::detail::spec_formatter<qzoci::calc, qzoci::detail::fmt_library> {
+};
 
 #endif /* QZOCI_FORMAT_HPP */

@@ -1,6 +1,6 @@
 /** @file
  * The format specification: what stands between ':' and '}' in fmt::format("{:>12,.2/half_even}", price), for every
- * formatter of numbers (format.hpp, std_format.hpp), and by itself for texts from outside.
+ * formatter of numbers and records (format.hpp, std_format.hpp), and by itself for texts from outside.
  *
  *     spec      = [[fill] align] [sign] ["0"] [width] [separator] [digits] [type] ["/" rounding]
  *     fill      = any character but "{" and "}"                     one code point of UTF-8; a blank if not given
@@ -27,12 +27,15 @@
 #ifndef QZOCI_FORMAT_SPEC_HPP
 #define QZOCI_FORMAT_SPEC_HPP
 
+#include <qzoci/calc.hpp>
+#include <qzoci/calc_text.hpp>
 #include <qzoci/expected.hpp>
 #include <qzoci/number_text.hpp>
 #include <qzoci/text_format.hpp>
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -117,8 +120,9 @@ inline std::string message(const format_spec_error& error);
 /** The whole text as a specification, without the ':' and the '}'. Errors: the first fault from the left. */
 constexpr expected<format_spec, format_spec_error> parse_format_spec(std::string_view text);
 
-/** The number in its field, malformed bytes as to_string writes them. */
-inline std::string to_field(const number& value, const format_spec& spec);
+/** The number or record in its field, malformed bytes as to_string writes them. */
+template <exact_value Value>
+std::string to_field(const Value& value, const format_spec& spec);
 
 /* ---- Definitions ---- */
 
@@ -430,19 +434,24 @@ constexpr Output write_field(Output out, decimal_value& value, const format_spec
     return write_fill(out, field.fill, fill.after);
 }
 
-/* A number, or what to_string writes for malformed bytes. */
-template <typename Output>
-Output write_field(Output out, const number& value, const format_spec& spec) {
-    if (!validate(value)) {
-        return write_text_field(out, to_string(value), without_zero_fill(spec));
+/* A record or a number, or what to_string writes for malformed bytes. */
+template <typename Output, exact_value Value>
+Output write_field(Output out, const Value& value, const format_spec& spec) {
+    decimal_value decimal;
+    if constexpr (std::same_as<Value, calc>) {
+        decimal = decimal_of(value.record());
+    } else {
+        if (!validate(value)) {
+            return write_text_field(out, to_string(value), without_zero_fill(spec));
+        }
+        decimal = decimal_of_well_formed(value.oci());
     }
-    decimal_value decimal = decimal_of_well_formed(value.oci());
     return write_field(out, decimal, spec);
 }
 
-/* The formatter of numbers for a library of formatting: Library names its exception (error) and visits its arguments
+/* The formatter of Value for a library of formatting: Library names its exception (error) and visits its arguments
  * (visit). */
-template <typename Library>
+template <exact_value Value, typename Library>
 class spec_formatter {
 public:
     template <typename ParseContext>
@@ -457,7 +466,7 @@ public:
     }
 
     template <typename Context>
-    auto format(const number& value, Context& context) const {
+    auto format(const Value& value, Context& context) const {
         format_spec spec = scanned_.spec;
         if (scanned_.arguments.width >= 0) {
             spec.width = argument_value(context, scanned_.arguments.width);
@@ -552,7 +561,8 @@ constexpr expected<format_spec, format_spec_error> parse_format_spec(std::string
     return (*scanned).spec;
 }
 
-inline std::string to_field(const number& value, const format_spec& spec) {
+template <exact_value Value>
+std::string to_field(const Value& value, const format_spec& spec) {
     std::string text;
     detail::write_field(std::back_inserter(text), value, spec);
     return text;

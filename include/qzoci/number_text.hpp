@@ -141,6 +141,32 @@ constexpr expected<number, text_error> number_of(std::string_view text, const sc
     return number(store_canonical(scanned.negative, static_cast<int>(exponent), pairs));
 }
 
+/* from_chars of any value: of_scanned makes it of a scanned text, or tells what does not fit. */
+template <typename Value, typename OfScanned>
+constexpr std::from_chars_result read_prefix(const char* first, const char* last, Value& value,
+                                             OfScanned of_scanned) {
+    const std::string_view text(first, static_cast<std::size_t>(last - first));
+    const auto scan = scan_number(text);
+    if (!scan) {
+        return {first, std::errc::invalid_argument};
+    }
+    const auto parsed = of_scanned(text, *scan);
+    if (parsed) {
+        value = *parsed;
+    }
+    return {first + (*scan).end, parsed ? std::errc{} : std::errc::result_out_of_range};
+}
+
+/* to_chars of any value. */
+constexpr std::to_chars_result write_within(char* first, char* last, decimal_value value,
+                                            const text_format& format) {
+    const text_layout layout(value, format);
+    if (layout.size() > static_cast<std::size_t>(last - first)) {
+        return {last, std::errc::value_too_large};
+    }
+    return {layout.write(first), std::errc{}};
+}
+
 /* Not constexpr: a literal that comes here does not compile, and the compiler names this function. */
 [[noreturn]] inline void literal_is_not_a_number() {
     std::terminate();
@@ -157,16 +183,7 @@ constexpr expected<number, text_error> parse(std::string_view text) {
 }
 
 constexpr std::from_chars_result from_chars(const char* first, const char* last, number& value) {
-    const std::string_view text(first, static_cast<std::size_t>(last - first));
-    const auto scan = detail::scan_number(text);
-    if (!scan) {
-        return {first, std::errc::invalid_argument};
-    }
-    const auto parsed = detail::number_of(text, *scan);
-    if (parsed) {
-        value = *parsed;
-    }
-    return {first + (*scan).end, parsed ? std::errc{} : std::errc::result_out_of_range};
+    return detail::read_prefix(first, last, value, detail::number_of);
 }
 
 constexpr std::to_chars_result to_chars(char* first, char* last, const number& value,
@@ -174,12 +191,7 @@ constexpr std::to_chars_result to_chars(char* first, char* last, const number& v
     if (!validate(value)) {
         return {first, std::errc::invalid_argument};
     }
-    detail::decimal_value decimal = detail::decimal_of_well_formed(value.oci());
-    const detail::text_layout layout(decimal, format);
-    if (layout.size() > static_cast<std::size_t>(last - first)) {
-        return {last, std::errc::value_too_large};
-    }
-    return {layout.write(first), std::errc{}};
+    return detail::write_within(first, last, detail::decimal_of_well_formed(value.oci()), format);
 }
 
 inline std::string to_string(const number& value, const text_format& format) {

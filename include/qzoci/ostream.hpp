@@ -1,9 +1,10 @@
 /** @file
- * Numbers into streams: std::cout << price.
+ * Numbers and records into streams: std::cout << price.
  */
 #ifndef QZOCI_OSTREAM_HPP
 #define QZOCI_OSTREAM_HPP
 
+#include <qzoci/calc.hpp>
 #include <qzoci/format_spec.hpp>
 #include <qzoci/number.hpp>
 
@@ -50,13 +51,14 @@ inline format_spec stream_spec(const std::ostream& out) {
 
 } // namespace detail
 
-/** Writes the number as a stream's flags say, and takes the width away:
+/** Writes the number or record as a stream's flags say, and takes the width away:
  *   - its exact value, whatever the precision, unless the stream has fixed or scientific, which round half-up to
  *     precision() digits after the point;
  *   - width, fill, left, right, internal, showpos and uppercase mean what they do for other numbers.
  *
  * Malformed bytes are written as to_string writes them. Locales are not looked at. */
-inline std::ostream& operator<<(std::ostream& out, const number& value) {
+template <exact_value Value>
+std::ostream& operator<<(std::ostream& out, const Value& value) {
     const std::string text = to_field(value, detail::stream_spec(out));
     out.width(0);
     return out << text;

@@ -1,10 +1,11 @@
 /** @file
- * std::formatter of numbers where the standard library has <format>; nothing elsewhere. The specification is that of
+ * std::formatter of numbers and records where the standard library has <format>; nothing elsewhere. The specification is that of
  * format_spec.hpp.
  */
 #ifndef QZOCI_STD_FORMAT_HPP
 #define QZOCI_STD_FORMAT_HPP
 
+#include <qzoci/calc.hpp>
 #include <qzoci/format_spec.hpp>
 #include <qzoci/number.hpp>
 
@@ -30,7 +31,12 @@ struct std_library {
 /** Errors of the specification do not compile; std::vformat throws std::format_error, as do widths and numbers of digits
  * among the arguments that are no integers in 0..999999. */
 template <>
-struct std::formatter<qzoci::number> : qzoci::detail::spec_formatter<qzoci::detail::std_library> {};
+struct std::formatter<qzoci::number>
+    : qzoci::detail::spec_formatter<qzoci::number, qzoci::detail::std_library> {};
+
+template <>
+struct std::formatter<qzoci::calc> : qzoci::detail::spec_formatter<qzoci::calc, qzoci::detail::std_library> {
+};
 
 #endif
 

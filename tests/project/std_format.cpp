@@ -42,6 +42,7 @@ int main() {
            "-00007|8\u00b7\u00b7\u00b7| inf  |");
     expect(std::format("{:{}.{}}", amount, 12, 1), "   1234567.1");
     expect(std::format("{0:>{2}~{1}e}", amount, 2U, 8LL), "   1.2e6");
+    expect(std::format("{:>8.1}", qzoci::parse_calc("2.25").value()), "     2.3");
     expect(error_of("{:{}}", amount, -1), "width or number of digits outside 0..999999");
     expect(error_of("{:.{}}", amount, "x"), "width or number of digits is not an integer");
     expect(error_of("{:.2/half}", amount), "name of a rounding mode expected");

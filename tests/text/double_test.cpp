@@ -2,6 +2,7 @@
 #include "tests/text/exact_value.h"
 #include "tests/text/stored_shapes.h"
 
+#include <qzoci/calc_text.hpp>
 #include <qzoci/double.hpp>
 
 #include <gmpxx.h>
@@ -71,11 +72,25 @@ TEST(ToDouble, RefusesMalformedBytes) {
 
 TEST(ToDouble, EveryShapeGoesToTheNearest) {
     const mpz_class unit = power_of_ten(unit_digits);
-    for_every_shape([&unit](const Shape& shape) {
+    int records = 0;
+    for_every_shape([&unit, &records](const Shape& shape) {
         const number value(encode(shape));
-        ASSERT_EQ(to_double(value).value(), nearest_double(quotient(value_of(shape), unit)))
-            << to_string(value);
+        const double nearest = nearest_double(quotient(value_of(shape), unit));
+        ASSERT_EQ(to_double(value).value(), nearest) << to_string(value);
+        if (const auto record = parse_calc(to_string(value))) {
+            ASSERT_EQ(to_double(*record), nearest) << to_string(value);
+            ++records;
+        }
     });
+    EXPECT_GT(records, 30000); /* all but those with digits below 10^-160 */
+}
+
+TEST(ToDouble, TakesAllDigitsOfARecord) {
+    const std::string middle = "9007199254740993" + std::string(143, '0');
+    EXPECT_EQ(to_double(parse_calc(middle).value()), std::strtod(middle.c_str(), nullptr));
+    const std::string above = "9007199254740993." + std::string(159, '0') + "1";
+    EXPECT_EQ(to_double(parse_calc(above).value()), 9007199254740994.0);
+    EXPECT_EQ(to_double(parse_calc("-inf").value()), -std::numeric_limits<double>::infinity());
 }
 
 /* Integers in the middle between two doubles, and one part in 10^39 or so beside it. */

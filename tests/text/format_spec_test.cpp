@@ -176,6 +176,13 @@ TEST(FmtFormatter, ShowsMalformedBytesInTheirField) {
     EXPECT_EQ(fmt::format("{:018}", malformed), " malformed(02c100)");
 }
 
+TEST(FmtFormatter, TakesRecordsToo) {
+    const calc third = parse_calc("0.3333333333333333333333333333333333333333333333").value();
+    EXPECT_EQ(fmt::format("{:>8.3}|{:~2e/up}", third, third), "   0.333|3.4e-1");
+    EXPECT_EQ(fmt::format("{}", third), "0.3333333333333333333333333333333333333333333333");
+    EXPECT_EQ(to_field(third, parse_format_spec("+.1").value()), "+0.3");
+}
+
 TEST(FmtFormatter, WritesIntoAnyBuffer) {
     std::array<char, 4> buffer{'#', '#', '#', '#'};
     const auto written = fmt::format_to_n(buffer.data(), 3, "{}", amount);
@@ -292,8 +299,8 @@ TEST(FmtFormatter, EveryShapeInAnySpecificationAgreesWithIntegers) {
 
 /* ---- Streams ---- */
 
-template <typename... Manipulators>
-std::string streamed(const number& value, Manipulators... manipulators) {
+template <exact_value Value, typename... Manipulators>
+std::string streamed(const Value& value, Manipulators... manipulators) {
     std::ostringstream out;
     (out << ... << manipulators) << value;
     EXPECT_EQ(out.width(), 0);
@@ -316,10 +323,10 @@ TEST(Stream, FixedAndScientificRoundToThePrecision) {
 }
 
 TEST(Stream, FlagsMeanWhatTheyDoForOtherNumbers) {
-    EXPECT_EQ(streamed(-7, std::setw(5)), "   -7");
-    EXPECT_EQ(streamed(-7, std::setw(5), std::left), "-7   ");
-    EXPECT_EQ(streamed(-7, std::setw(5), std::internal, std::setfill('0')), "-0007");
-    EXPECT_EQ(streamed(7, std::showpos), "+7");
+    EXPECT_EQ(streamed(number(-7), std::setw(5)), "   -7");
+    EXPECT_EQ(streamed(number(-7), std::setw(5), std::left), "-7   ");
+    EXPECT_EQ(streamed(number(-7), std::setw(5), std::internal, std::setfill('0')), "-0007");
+    EXPECT_EQ(streamed(calc(7), std::showpos), "+7");
     EXPECT_EQ(streamed(amount, std::scientific, std::setprecision(0), std::uppercase), "1E6");
     EXPECT_EQ(streamed(amount, std::setw(3)), "1234567.125");
 }

@@ -1,6 +1,7 @@
 #include "tests/support/records.h"
 #include "tests/text/stored_shapes.h"
 
+#include <qzoci/calc_text.hpp>
 #include <qzoci/number_text.hpp>
 
 #include <gtest/gtest.h>
@@ -238,6 +239,32 @@ TEST(Literal, IsANumber) {
     constexpr number price = "1.50"_qz;
     EXPECT_EQ(to_string(price), "1.5");
     EXPECT_EQ(format_hex("-0.01"_qz.oci()), "033f6466");
+}
+
+/* ---- Records ---- */
+
+TEST(ParseCalc, HoldsWhatANumberDoesNot) {
+    const std::string digits = "1" + std::string(159, '0') + "." + std::string(159, '0') + "1";
+    EXPECT_EQ(to_string(parse_calc(digits).value()), digits);
+    EXPECT_EQ(parse_calc("1e160").error(), (text_error{0, digit_too_high}));
+    EXPECT_EQ(parse_calc("1 ").error(), (text_error{1, trailing_characters}));
+    static_assert(parse_calc("-1.5").value().record().num_signed == -1);
+}
+
+TEST(CalcText, FromCharsAndToChars) {
+    calc value = 7;
+    const std::string_view text = "2.5;";
+    EXPECT_EQ(from_chars(text.data(), text.data() + text.size(), value).ptr, text.data() + 3);
+    EXPECT_EQ(to_string(value), "2.5");
+    const std::string_view high = "1e160";
+    EXPECT_EQ(from_chars(high.data(), high.data() + high.size(), value).ec, std::errc::result_out_of_range);
+    EXPECT_EQ(to_string(value), "2.5");
+
+    std::array<char, 5> buffer{};
+    const auto written =
+        to_chars(buffer.data(), buffer.data() + buffer.size(), value, {.digits = fraction_digits(3)});
+    EXPECT_EQ(std::string(buffer.data(), written.ptr), "2.500");
+    EXPECT_EQ(to_chars(buffer.data(), buffer.data() + 2, value).ec, std::errc::value_too_large);
 }
 
 } // namespace
