@@ -1,11 +1,15 @@
 /* Where a fast kernel declines: each condition from both sides at every level, with a tally that shows which
  * way was taken, and the plain steps' digits either way. */
+#include "qzoci/limbs/long_division.h"
+#include "qzoci/limbs/square_root.h"
 #include "qzoci/oci_calc_number_elementary.h"
 #include "tests/limbs/levels.h"
 #include "tests/support/records.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -232,11 +236,18 @@ TEST_P(FastProduct, IsNotTriedWhereTheProductIsInfinite) {
 TEST_P(FastQuotientByLimb, IsNotTriedOutsideTheRecord) {
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("1e152"), decimal("1")),
               Taken::not_tried);
-    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("1e16")),
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("1e8")),
               Taken::not_tried);
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("1e151"), decimal("1")), Taken::finished);
     EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("6e-153"), decimal("7")),
               Taken::finished);
+}
+
+TEST_P(FastQuotientByLimb, IsNotTriedForADivisorAbove99999999) {
+    QZCICalcNumber divisor = decimal("99999999");
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("5"), divisor), Taken::finished);
+    ++divisor.data_part[19];
+    EXPECT_EQ(taken(engine::div, Stretch::quotient_by_limb, decimal("5"), divisor), Taken::not_tried);
 }
 
 TEST_P(FastQuotient, DeclinesADivisorThatScalesToALimbOf100000000) {
@@ -303,6 +314,25 @@ TEST_P(FastQuotient, KnowsExactQuotients) {
         engine::div({false, true}, &dividend, &divisor, &result);
         EXPECT_EQ(result, quotient) << factor;
     }
+}
+
+/* Digits 5..99999997 after the first one, and a next one that is so whatever the error of its estimate. */
+TEST(QuotientDigits, StayInsideUpToTheirBounds) {
+    constexpr limbs::Limb inside[] = {0, 5, 99999997, 50000000};
+    constexpr limbs::Limb below[] = {0, 4, 99999997, 50000000};
+    constexpr limbs::Limb above[] = {0, 5, 99999998, 50000000};
+    constexpr std::int64_t least = 6 * std::int64_t{limbs::base};
+    constexpr std::int64_t bound = (std::int64_t{limbs::base} - 4) * limbs::base;
+    EXPECT_TRUE(limbs::digits_stay_inside(inside, 4, 0, least));
+    EXPECT_FALSE(limbs::digits_stay_inside(inside, 4, 0, least - 1));
+    EXPECT_TRUE(limbs::digits_stay_inside(inside, 4, 0, bound - 1));
+    EXPECT_FALSE(limbs::digits_stay_inside(inside, 4, 0, bound));
+    EXPECT_TRUE(limbs::digits_stay_inside(inside, 3, 1, 0));
+    for (const limbs::Limb* const digits : {below, above}) {
+        EXPECT_FALSE(limbs::digits_stay_inside(digits, 3, 0, least));
+        EXPECT_TRUE(limbs::digits_stay_inside(digits, 1, 0, least));
+    }
+    EXPECT_FALSE(limbs::digits_stay_inside(above, 2, 1, least));
 }
 
 TEST_P(FastRemainder, IsNotTriedWhereNothingIsDividedByTwoLimbs) {
@@ -414,6 +444,18 @@ TEST_P(FastRemainder, DeclinesADigitWhoseProductMayHoldALimbOf100000000) {
     EXPECT_EQ(taken(engine::mod, Stretch::remainder, decimal("371234567.1"), divisor), Taken::finished);
 }
 
+/* The first of the two digits is 0. A remainder by many digits before leaves others behind. */
+TEST_P(FastRemainder, DeclinesASecondDigitWhoseProductMayHoldALimbOf100000000) {
+    const QZCICalcNumber divisor = decimal("50000000.250000000000000700000003");
+    const QZCICalcNumber many_digits = decimal("371234567123456789123456789123456789.1");
+    const QZCICalcNumber two_digits = decimal("200000001.1");
+    QZCICalcNumber remainder;
+    Tally tally = {};
+    engine::mod({false, true}, &many_digits, &divisor, &remainder);
+    engine::mod({false, true, &tally}, &two_digits, &divisor, &remainder);
+    EXPECT_EQ(taken_of(tally, Stretch::remainder), Taken::declined);
+}
+
 TEST_P(FastRemainder, OfAMultipleIsZeroOrTheDivisorLessOne) {
     const QZCICalcNumber divisor = decimal("12345678.987654321234567898765");
     const QZCICalcNumber last_place = decimal("1e-160");
@@ -462,6 +504,19 @@ TEST_P(FastUnpacking, IsNotTriedForSpecialValuesAndLengths) {
     EXPECT_EQ(taken_for_unpacking("0205"), Taken::finished);
     EXPECT_EQ(taken_for_unpacking("02ff65"), Taken::declined); /* positive infinity */
     EXPECT_EQ(taken_for_unpacking("02ff64"), Taken::finished);
+}
+
+TEST_P(FastUnpacking, TakesAnyNumberOfPairs) {
+    for (int pairs = 1; pairs <= 20; ++pairs) {
+        std::string positive = hex_text(std::array{static_cast<ub1>(pairs + 1)}) + "c1";
+        std::string negative = hex_text(std::array{static_cast<ub1>(std::min(pairs + 2, 21))}) + "3e";
+        for (int i = 0; i < pairs; ++i) {
+            positive += "0d";
+            negative += "59";
+        }
+        EXPECT_EQ(taken_for_unpacking(positive), Taken::finished) << pairs;
+        EXPECT_EQ(taken_for_unpacking(negative + (pairs < 20 ? "66" : "")), Taken::finished) << pairs;
+    }
 }
 
 TEST_P(FastUnpacking, DeclinesBytesThatAreNoPairs) {
@@ -608,6 +663,68 @@ TEST_P(FastRoot, WalksBelowTheSquaresOfShortNumbers) {
     engine::sqrt({false, true}, &number, &root);
     EXPECT_EQ(root.data_part[38], 71853309U);
     EXPECT_EQ(root.data_part[39], 1U); /* of the true root, 99999997 */
+}
+
+/* 7 after the units and a root of limbs 23456789 are far from every condition; the factor of the long division is
+ * 4, by which 25000000 becomes 100000000. */
+struct RootBesideCondition {
+    int limb; /* of the root, other than 23456789 */
+    ub4 declined;
+    ub4 taken;
+};
+
+bool is_isolated(ub4 number_limb, int limb, ub4 root_limb) {
+    QZCICalcNumber number = decimal("2");
+    number.data_part[20] = number_limb;
+    QZCICalcNumber root = decimal("0");
+    std::fill(root.data_part + 17, root.data_part + 40, 23456789U);
+    root.data_part[limb] = root_limb;
+    return limbs::is_isolated_fixed_point({number.data_part, 19, 20}, {root.data_part, 17, 39});
+}
+
+TEST(IsolatedFixedPoint, NeedsEachCondition) {
+    constexpr RootBesideCondition conditions[] = {
+        {39, 20003, 20004},       {39, 99989995, 99989994}, {39, 80664063, 80664062},
+        {39, 80664064, 80664065}, {39, 24990000, 24989999}, {39, 25010000, 25010001},
+        {38, 50003750, 50003751}, {38, 24998750, 24998749}, {30, 10000, 10001},
+        {30, 50002500, 50002501},
+    };
+    for (const RootBesideCondition& condition : conditions) {
+        EXPECT_FALSE(is_isolated(7, condition.limb, condition.declined)) << condition.declined;
+        EXPECT_TRUE(is_isolated(7, condition.limb, condition.taken)) << condition.taken;
+    }
+    EXPECT_FALSE(is_isolated(25000000, 39, 23456789));
+    EXPECT_TRUE(is_isolated(25000001, 39, 23456789));
+}
+
+TEST(IsolatedFixedPoint, NeedsThreeLimbsDownToTheLastOne) {
+    const QZCICalcNumber number = decimal("2");
+    QZCICalcNumber root = decimal("0");
+    std::fill(root.data_part, root.data_part + 40, 23456789U);
+    const auto is_isolated_from = [&](int first, int last) {
+        return limbs::is_isolated_fixed_point({number.data_part, 19, 19}, {root.data_part, first, last});
+    };
+    EXPECT_TRUE(is_isolated_from(37, 39));
+    EXPECT_FALSE(is_isolated_from(38, 39));
+    EXPECT_FALSE(is_isolated_from(17, 38));
+}
+
+/* The factor is 50000000: each limb becomes half of the next one, the leading one 50000000 and half of the next. */
+TEST(IsolatedFixedPoint, HasNoScaledLimbNearHalfTheBaseWhereTheRootStartsWithOne) {
+    const QZCICalcNumber number = decimal("2");
+    QZCICalcNumber root = decimal("0");
+    std::fill(root.data_part + 19, root.data_part + 40, 40000000U);
+    root.data_part[17] = 1;
+    const auto is_isolated_with = [&](int limb, ub4 value) {
+        QZCICalcNumber changed = root;
+        changed.data_part[limb] = value;
+        return limbs::is_isolated_fixed_point({number.data_part, 19, 19}, {changed.data_part, 17, 39});
+    };
+    EXPECT_FALSE(is_isolated_with(18, 10004));
+    EXPECT_TRUE(is_isolated_with(18, 10006));
+    root.data_part[18] = 10006;
+    EXPECT_FALSE(is_isolated_with(30, 99989996));
+    EXPECT_TRUE(is_isolated_with(30, 99989994));
 }
 
 /* Two neighbouring guesses satisfy the condition for an end. */

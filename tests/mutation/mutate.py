@@ -61,6 +61,7 @@ INTERFACES = re.compile(r"^qzoci/(oci_types|oci_log|oci_calc_number|limbs/limbs)
 # Lines that say what is declared, not what is done.
 DECLARATIVE = re.compile(r"\s*(template\b|using\b|static_assert\b|extern\b|\[\[|enum\b|namespace\b|asm\b)")
 DEFINITION = re.compile(r"(?!namespace|using|extern \"C\" \{|public|private)[A-Za-z_\[].*")
+MEMBER_FUNCTION = re.compile(r"    (?! |(?:if|for|while|switch|else|do|return)\b)[\w:<>&*~ ]+\(.*\)[\w ]*\{$")
 KILLED, SURVIVED, SAME, INVALID = "killed", "survived", "same code", "does not compile"
 
 
@@ -93,7 +94,7 @@ def replacements(match):
 
 
 def name_of_definition(line):
-    """Of a line in the first column: the function, or the type or constant."""
+    """Of the line that begins it: the function, or the type or constant."""
     function = re.search(r"([~\w]+|operator\S+)\(", re.sub(r"\[\[.*?\]\]|__attribute__\(\(.*?\)\)", "", line))
     if function:
         return function.group(1)
@@ -106,7 +107,7 @@ def mutants_of(file, text):
     starts = list(itertools.accumulate((len(line) + 1 for line in lines), initial=0))
     functions, function = [], "-"
     for line in lines:
-        if DEFINITION.match(line):
+        if DEFINITION.match(line) or MEMBER_FUNCTION.match(line):
             function = name_of_definition(line) or function
         functions.append(function)
     number = 0

@@ -76,6 +76,8 @@ class Mutants(unittest.TestCase):
     def test_name_their_function(self):
         mutants = list(mutate.mutants_of("file", "int first() {\n    a + b;\n}\n\nbool second(int c) {\n    c > d;\n}\n"))
         self.assertEqual([mutant.function for mutant in mutants], ["first", "second"])
+        mutants = list(mutate.mutants_of("file", "class Type {\n    int member(int c) const {\n        c > d;\n    }\n};\n"))
+        self.assertEqual([mutant.function for mutant in mutants], ["member"])
 
 
 class Run(unittest.TestCase):
