@@ -1,12 +1,15 @@
-/* Text through the parsers of decimal and hex text, and what they accept out to text and in again. */
+/* Text through the parsers of decimal and hex text and of format specifications, and what they accept out to text and
+ * in again. */
 #include "fuzz/demand.h"
 #include "fuzz/target.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/records.h"
 
 #include <qzoci/decimal_text.hpp>
+#include <qzoci/format_spec.hpp>
 #include <qzoci/hex_text.hpp>
 #include <qzoci/number_bytes.hpp>
+#include <qzoci/number_text.hpp>
 
 using qzoci::fuzz::demand;
 
@@ -44,6 +47,33 @@ void check_decimal(std::string_view text) {
     demand(back && QZCICalcNumCompare(&*back, &prefix->record) == 0, "a record's text is its value");
 }
 
+void check_number(std::string_view text) {
+    const auto whole = qzoci::parse(text);
+    qzoci::number prefix;
+    const auto read = qzoci::from_chars(text.data(), text.data() + text.size(), prefix);
+    demand(read.ptr >= text.data() && read.ptr <= text.data() + text.size(), "reading ends in the text");
+    if (!whole) {
+        check_error(text, whole.error());
+        return;
+    }
+    demand(read.ec == std::errc{} && read.ptr == text.data() + text.size() && prefix == *whole,
+           "a whole number is the longest at the start");
+    demand(qzoci::is_canonical(*whole), "numbers are read in canonical form");
+    const auto again = qzoci::parse(qzoci::to_string(*whole, {.notation = qzoci::text_notation::scientific}));
+    demand(again && qzoci::identical_bytes(*again, *whole), "a number's text is the number");
+}
+
+void check_format_spec(std::string_view text) {
+    const auto spec = qzoci::parse_format_spec(text);
+    if (!spec) {
+        demand(spec.error().position <= text.size(), "the error stands in the specification or at its end");
+        return;
+    }
+    using namespace qzoci::literals;
+    constexpr qzoci::number value = "-1234567.125"_qz;
+    demand(qzoci::to_field(value, *spec).size() >= (*spec).width, "a field has its width");
+}
+
 void check_bytes(const OCINumber& number) {
     const auto again = qzoci::parse_hex(qzoci::format_hex_all(number));
     demand(again && *again == number, "the hex text of bytes is the bytes");
@@ -73,6 +103,8 @@ int LLVMFuzzerTestOneInput(const ub1* data, size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const qzoci::test::LogCapture capture;
     check_decimal(text);
+    check_number(text);
+    check_format_spec(text);
     const auto number = qzoci::parse_hex(text);
     if (number) {
         check_bytes(*number);
