@@ -7,7 +7,8 @@
  * can do: binary peers get the bits of these digits and of three more, so that operands rounded to binary do not
  * show. Where a peer offers a cheaper and a dearer way (cutting or rounding, preallocated or fresh results), it
  * goes the cheaper one. The engine's silent side runs on every instruction set that it has kernels for here, its
- * traced side with a host that drops every line; each call checks its status, as callers do.
+ * traced side with a host that drops every line; each call checks its status, as callers do. The C++ layer makes the
+ * same calls by operators, whose results are new objects.
  *
  * What must hold before a time counts. Every contender's 64 results are compared with MPFR's at 2048 bits. The
  * peers may be off by a unit of the 160th digit in arithmetic and a hundred of them in functions, packed results
@@ -64,7 +65,7 @@ std::vector<std::string> with_defaults(int argc, char** argv) {
 
 std::vector<Participant> all_participants() {
     std::vector<Participant> participants = silent_engines();
-    for (Participant (*participant)() : {traced_engine, mpfr, gmp, arb, cpp_dec_float}) {
+    for (Participant (*participant)() : {traced_engine, cpp_layer, mpfr, gmp, arb, cpp_dec_float}) {
         participants.push_back(participant());
     }
     return participants;

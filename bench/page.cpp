@@ -247,9 +247,10 @@ The loop around the calls takes {} ns and is not taken off. The method in full s
 | 0 to 3 | 160 digits after the point; short: 16 |
 
 The engine is on its silent side, as with a host that answers `qzoci_log_is_on` with no; "engine traced" has a host that
-answers yes and drops the lines. The peers compute at the precision that gives the row's results 160 digits after the
-point: MPFR, FLINT (its floating-point numbers for arithmetic and the root, Arb's balls for the other functions) in
-binary; GMP as a fixed-point decimal on integers and Boost's cpp_dec_float in decimal.
+answers yes and drops the lines; "engine in C++" makes the silent side's calls through the C++ layer, by operators whose
+results are new objects. The peers compute at the precision that gives the row's results 160 digits after the point: MPFR,
+FLINT (its floating-point numbers for arithmetic and the root, Arb's balls for the other functions) in binary; GMP as a
+fixed-point decimal on integers and Boost's cpp_dec_float in decimal.
 
 )",
                results.batches, pair_count,

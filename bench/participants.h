@@ -26,6 +26,9 @@ std::vector<Participant> silent_engines();
 /* The engine with a host that drops lines but says that it keeps them. */
 Participant traced_engine();
 
+/* The engine as users get it, through the value types of the C++ layer; arithmetic and the stored form alone. */
+Participant cpp_layer();
+
 Participant mpfr();
 
 /* Fixed point with 160 fraction digits on integers. */

@@ -66,7 +66,10 @@ public:
 
     /** The value of a stored number. @throws failure<operation_error> when its length byte is 0 or above 21.
      * @see try_unpack */
-    constexpr explicit calc(const number& stored);
+    constexpr explicit calc(const number& stored) : calc(stored.oci()) {}
+
+    /** The value of a C caller's stored number, read where it is. @throws as for a number. */
+    constexpr explicit calc(const OCINumber& stored);
 
     /** The record rounded half-up in magnitude to 20 digit pairs, 00 in the bytes after its length. Too large: an
      * infinity; too small: zero.
@@ -270,11 +273,21 @@ constexpr void throw_on_failure(const operation_error& outcome) {
     }
 }
 
+/* Results about to be written: a record is not filled before. */
+
 inline calc blank(const calc* /* kind */) {
     return calc(uninitialised{});
 }
 
 inline number blank(const number* /* kind */) {
+    return {};
+}
+
+inline result<calc> blank_result(const calc* /* kind */) {
+    return result<calc>(in_place, uninitialised{});
+}
+
+inline result<number> blank_result(const number* /* kind */) {
     return {};
 }
 
@@ -293,7 +306,7 @@ Value as(Integer value) {
 
 template <exact_value Value, typename Function, typename... Operands>
 result<Value> try_apply(const operation<Function>& operation, const Operands&... operands) {
-    result<Value> value;
+    result<Value> value = blank_result(static_cast<const Value*>(nullptr));
     const operation_error outcome = evaluate(operation, *value, operands...);
     if (outcome.status != OCI_SUCCESS) {
         value = unexpected(outcome);
@@ -803,8 +816,11 @@ constexpr calc infinity() noexcept {
 
 /* ---- Definitions ---- */
 
-constexpr calc::calc(const number& stored) : record_(detail::zero_record) {
-    detail::throw_on_failure({detail::unpack(stored.oci(), record_), detail::from_number.name});
+constexpr calc::calc(const OCINumber& stored) {
+    if (std::is_constant_evaluated()) {
+        record_ = detail::zero_record; /* at run time the engine writes all of it */
+    }
+    detail::throw_on_failure({detail::unpack(stored, record_), detail::from_number.name});
 }
 
 constexpr calc::operator number() const {

@@ -7,6 +7,7 @@
 
 #if defined(__cpp_lib_expected)
 #include <expected>
+#include <utility>
 #else
 #include <tl/expected.hpp>
 #endif
@@ -15,9 +16,11 @@ namespace qzoci {
 
 #if defined(__cpp_lib_expected)
 using std::expected;
+using std::in_place;
 using std::unexpected;
 #else
 using tl::expected;
+using tl::in_place;
 using tl::unexpected;
 #endif
 

@@ -37,6 +37,7 @@ static_assert(!std::is_constructible_v<calc, float> && !std::is_constructible_v<
 static_assert(!std::is_constructible_v<double, calc> && !std::is_constructible_v<int, calc>);
 static_assert(std::is_convertible_v<int, calc> && std::is_convertible_v<uint128, calc>);
 static_assert(!std::is_convertible_v<number, calc> && std::is_constructible_v<calc, number>);
+static_assert(!std::is_convertible_v<OCINumber, calc> && std::is_constructible_v<calc, OCINumber>);
 static_assert(!std::is_convertible_v<calc, number> && std::is_constructible_v<number, calc>);
 
 template <typename A, typename B>
@@ -227,6 +228,8 @@ TEST(Calc, ReportsBytesThatCannotBeRead) {
     EXPECT_EQ(try_sqrt(stored_of("00c102")).error(), expected);
     EXPECT_EQ(try_add(stored_of("02c102"), stored_of("00c102")).error(), expected);
     EXPECT_THROW(calc(stored_of("16c102")), failure<operation_error>);
+    EXPECT_THROW(calc(stored_from_hex("16c102")), failure<operation_error>);
+    EXPECT_EQ(calc(stored_from_hex("02c103")), 2);
     try {
         sqrt(stored_of("16c102"));
         FAIL();
