@@ -350,9 +350,8 @@ inline std::string format_record(const QZCICalcNumber& record, const text_format
 }
 
 inline expected<std::string, number_error> format_number(const OCINumber& number, const text_format& format) {
-    const auto notes = validate(number);
-    if (!notes) {
-        return unexpected(notes.error());
+    if (!detail::is_well_formed(number)) {
+        return unexpected(validate(number).error());
     }
     detail::decimal_value value = detail::decimal_of_well_formed(number);
     return detail::text_of(value, format);

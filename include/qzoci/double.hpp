@@ -119,7 +119,7 @@ inline std::string message(double_fault fault) {
 }
 
 inline expected<double, double_fault> to_double(const number& value) {
-    if (!validate(value)) {
+    if (!detail::is_well_formed(value.oci())) {
         return unexpected(double_fault::malformed);
     }
     return detail::nearest_double(detail::decimal_of_well_formed(value.oci()));

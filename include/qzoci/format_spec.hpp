@@ -441,7 +441,7 @@ Output write_field(Output out, const Value& value, const format_spec& spec) {
     if constexpr (std::same_as<Value, calc>) {
         decimal = decimal_of(value.record());
     } else {
-        if (!validate(value)) {
+        if (!is_well_formed(value.oci())) {
             return write_text_field(out, to_string(value), without_zero_fill(spec));
         }
         decimal = decimal_of_well_formed(value.oci());

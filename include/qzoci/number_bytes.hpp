@@ -190,6 +190,25 @@ constexpr bool ends_in_terminator(const OCINumber& number) {
     return length < max_length || number.OCINumberPart[max_length] == terminator_byte;
 }
 
+/* Whether validate finds no error: the same without a layout, for those who need no more than that. */
+constexpr bool is_well_formed(const OCINumber& number) {
+    const number_kind kind = kind_of(number);
+    if (!has_pairs(kind)) {
+        return kind != number_kind::bad_length;
+    }
+    const auto& bytes = number.OCINumberPart;
+    const bool negative = kind == number_kind::negative;
+    const bool terminated = negative && ends_in_terminator(number);
+    const int pairs_end = bytes[0] + (terminated ? 0 : 1);
+    const int lowest = negative ? 2 : 1;
+    bool in_range = pairs_end > first_pair_offset && (!terminated || bytes[pairs_end] == terminator_byte);
+    for (int offset = first_pair_offset; offset < pairs_end; ++offset) {
+        const int above_lowest = bytes[offset] - lowest;
+        in_range = in_range && above_lowest >= 0 && above_lowest < 100;
+    }
+    return in_range;
+}
+
 constexpr number_byte pair_byte(bool negative, ub1 value, int weight) {
     const int pair = negative ? 101 - value : value - 1;
     return {byte_role::pair, value, pair < 0 || pair > 99, pair, weight};

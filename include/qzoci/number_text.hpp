@@ -188,7 +188,7 @@ constexpr std::from_chars_result from_chars(const char* first, const char* last,
 
 constexpr std::to_chars_result to_chars(char* first, char* last, const number& value,
                                         const text_format& format) {
-    if (!validate(value)) {
+    if (!detail::is_well_formed(value.oci())) {
         return {first, std::errc::invalid_argument};
     }
     return detail::write_within(first, last, detail::decimal_of_well_formed(value.oci()), format);

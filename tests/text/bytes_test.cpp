@@ -297,6 +297,7 @@ void check_any_bytes(const OCINumber& number) {
 
     const auto valid = validate(number);
     const auto text = format_number(number);
+    ASSERT_EQ(detail::is_well_formed(number), valid.has_value()) << hex_text(number);
     ASSERT_EQ(text.has_value(), valid.has_value()) << hex_text(number);
     if (valid) {
         const bool cut = has_note(*valid, number_note_kind::pair_below_record);
@@ -387,6 +388,7 @@ TEST(Validate, AgreesWithTheFormOnRandomBytes) {
             number.OCINumberPart[length] = 102;
         }
         ASSERT_EQ(validate(number).has_value(), is_well_formed(number)) << hex_text(number);
+        ASSERT_EQ(detail::is_well_formed(number), is_well_formed(number)) << hex_text(number);
         well_formed += is_well_formed(number) ? 1 : 0;
     }
     EXPECT_GT(well_formed, count / 10);
