@@ -74,9 +74,15 @@ endfunction()
 qzoci_debian_files(libqzoci0 qzoci_runtime)
 qzoci_debian_files(libqzoci-dev qzoci_development)
 qzoci_debian_files(qznum qzoci_tool)
-if(EXISTS ${qznum_manual})
-    qzoci_install_compressed(${qznum_manual} qznum.1 ${CMAKE_INSTALL_MANDIR}/man1 qzoci_tool)
-endif()
+add_custom_target(
+    qznum_compressed_manual ALL
+    COMMAND ${QZOCI_GZIP} -9nc ${qznum_manual} > ${qznum_manual}.gz
+    VERBATIM)
+add_dependencies(qznum_compressed_manual qznum_pages)
+install(
+    FILES ${qznum_manual}.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT qzoci_tool)
 
 # As Debian strips. qzoci_strip(<component> <pattern> <flag>...): the files of the pattern below the prefix
 function(qzoci_strip component pattern)

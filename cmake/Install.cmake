@@ -56,13 +56,6 @@ install(
     DESTINATION ${package_folder}
     COMPONENT qzoci_development)
 
-# A file of the tool, where there is one: qzoci_install_tool_file(<file> <folder> [RENAME <name>])
-function(qzoci_install_tool_file file folder)
-    if(EXISTS ${file})
-        install(FILES ${file} DESTINATION ${folder} COMPONENT qzoci_tool ${ARGN})
-    endif()
-endfunction()
-
 if(QZOCI_WITH_TOOL)
     set_target_properties(qzoci_log PROPERTIES EXPORT_NAME log)
     qzoci_install_targets(log qzoci_log)
@@ -70,12 +63,15 @@ if(QZOCI_WITH_TOOL)
     set_target_properties(qzoci_cpp PROPERTIES EXPORT_NAME cpp)
     qzoci_install_targets(cpp qzoci_cpp)
     install(TARGETS qznum COMPONENT qzoci_tool)
-    set(qznum_manual ${CMAKE_CURRENT_SOURCE_DIR}/tools/qznum/man/qznum.1)
+    install(
+        FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/qznum/completion/qznum
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        COMPONENT qzoci_tool)
+    set(qznum_manual ${CMAKE_CURRENT_BINARY_DIR}/tools/qznum/man/qznum.1)
     if(NOT QZOCI_DEBIAN_PACKAGES)
-        qzoci_install_tool_file(${qznum_manual} ${CMAKE_INSTALL_MANDIR}/man1)
+        install(
+            FILES ${qznum_manual}
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+            COMPONENT qzoci_tool)
     endif()
-    set(completion ${CMAKE_CURRENT_SOURCE_DIR}/tools/qznum/completion)
-    qzoci_install_tool_file(${completion}/qznum.bash ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qznum)
-    qzoci_install_tool_file(${completion}/_qznum ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
-    qzoci_install_tool_file(${completion}/qznum.fish ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
