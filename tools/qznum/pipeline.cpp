@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace qznum::detail {
 
@@ -43,31 +44,43 @@ void run_pipeline(RowSource& source, std::size_t threads,
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
     const RowShape& shape = source.shape();
     bool go_on = true; /* written and read by the last stage alone */
-    const auto read = [&source](tbb::flow_control& control) -> std::shared_ptr<Block> {
-        std::optional<Block> block = source.read();
-        if (!block) {
+
+    /* A block on its way. In flight are ever only blocks in a row, so that their slots, taken in turn, are different
+     * ones. The pipeline forgets what it carries when it is cancelled: it carries pointers. */
+    struct Slot {
+        std::optional<Block> block;
+        std::shared_ptr<void> result;
+    };
+
+    std::vector<Slot> slots(threads * blocks_of_a_thread);
+    std::size_t next_slot = 0; /* of the first stage alone */
+    const auto read = [&](tbb::flow_control& control) -> Slot* {
+        Slot& slot = slots[next_slot];
+        next_slot = (next_slot + 1) % slots.size();
+        slot.block = source.read();
+        if (!slot.block) {
             control.stop();
             return nullptr;
         }
-        return std::make_shared<Block>(std::move(*block));
+        return &slot;
     };
-    const auto split_and_work = [&shape, &work](const std::shared_ptr<Block>& block) {
-        return work(Rows(shape, std::move(*block)));
+    const auto split_and_work = [&shape, &work](Slot* slot) {
+        slot->result = work(Rows(shape, std::move(*slot->block)));
+        return slot;
     };
     tbb::task_group_context context;
-    const auto hand_over = [&](const std::shared_ptr<void>& result) {
-        go_on = go_on && take(result.get());
+    const auto hand_over = [&](Slot* slot) {
+        go_on = go_on && take(slot->result.get());
+        slot->result.reset();
         if (!go_on) {
             context.cancel_group_execution();
         }
     };
-    tbb::parallel_pipeline(
-        threads * blocks_of_a_thread,
-        tbb::make_filter<void, std::shared_ptr<Block>>(tbb::filter_mode::serial_in_order, read) &
-            tbb::make_filter<std::shared_ptr<Block>, std::shared_ptr<void>>(tbb::filter_mode::parallel,
-                                                                            split_and_work) &
-            tbb::make_filter<std::shared_ptr<void>, void>(tbb::filter_mode::serial_in_order, hand_over),
-        context);
+    tbb::parallel_pipeline(slots.size(),
+                           tbb::make_filter<void, Slot*>(tbb::filter_mode::serial_in_order, read) &
+                               tbb::make_filter<Slot*, Slot*>(tbb::filter_mode::parallel, split_and_work) &
+                               tbb::make_filter<Slot*, void>(tbb::filter_mode::serial_in_order, hand_over),
+                           context);
 }
 
 } // namespace qznum::detail
