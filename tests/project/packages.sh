@@ -15,7 +15,8 @@ for package in "$PACKAGES"/*.deb; do
     done
 done
 
-debootstrap --variant=minbase bookworm root http://deb.debian.org/debian >debootstrap.log || {
+# What debootstrap mounts in the root goes with its namespace, however it ends.
+unshare --mount debootstrap --variant=minbase bookworm root http://deb.debian.org/debian >debootstrap.log || {
     tail debootstrap.log >&2
     fail "no fresh Debian"
 }
