@@ -33,7 +33,9 @@ TEST(QznumStreams, HaveNoMessagesWhenAllIsWell) {
 }
 
 TEST(QznumOutput, FullIsAnInputOutputError) {
-    for (const char* const command : {"decode 02c102", "encode 1", "eval 1", "--help", "--version"}) {
+    for (const char* const command :
+         {"decode 02c102", "encode 1", "check 0180", "canon 0180", "sum 1", "stats 1", "profile 1",
+          "digest 1", "diff <(echo 1) <(echo 2)", "eval 1", "--help", "--version"}) {
         const Outcome outcome = shell(std::string("qznum ") + command + " >/dev/full");
         EXPECT_EQ(outcome.messages, "qznum: cannot write results: No space left on device\n") << command;
         EXPECT_EQ(outcome.status, 3) << command;
@@ -192,7 +194,9 @@ TEST_P(QznumHelp, HasExamplesThatWork) {
     for (const std::string& command : commands) {
         const Outcome outcome =
             shell("folder=$(mktemp --directory) && cd \"$folder\" && trap 'rm -r \"$folder\"' EXIT && "
-                  "echo 'one: 02c102' >constants.txt && echo 'one: 1' >prices.txt && " +
+                  "echo 'one: 02c102' >constants.txt && echo 'one: 1' >prices.txt && "
+                  "printf 'item,price\\na,1.5\\nb,-2\\n' >prices.csv && "
+                  "printf 'paid,count,price\\n4,2.03,1.5\\n' >quotients.csv && " +
                   command);
         EXPECT_EQ(outcome.status, 0) << command << '\n' << outcome.messages;
         EXPECT_NE(outcome.results, "") << command;
@@ -200,14 +204,17 @@ TEST_P(QznumHelp, HasExamplesThatWork) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, QznumHelp,
-                         testing::Values(std::vector<std::string>{"--help"}, std::vector<std::string>{"-h"},
-                                         std::vector<std::string>{"decode", "--help"},
-                                         std::vector<std::string>{"encode", "--help"},
-                                         std::vector<std::string>{"eval", "--help"},
-                                         std::vector<std::string>{"map", "--help"},
-                                         std::vector<std::string>{"repl", "--help"},
-                                         std::vector<std::string>{"trace", "--help"}));
+INSTANTIATE_TEST_SUITE_P(
+    All, QznumHelp,
+    testing::Values(std::vector<std::string>{"--help"}, std::vector<std::string>{"-h"},
+                    std::vector<std::string>{"decode", "--help"},
+                    std::vector<std::string>{"encode", "--help"}, std::vector<std::string>{"check", "--help"},
+                    std::vector<std::string>{"canon", "--help"}, std::vector<std::string>{"sum", "--help"},
+                    std::vector<std::string>{"stats", "--help"},
+                    std::vector<std::string>{"profile", "--help"},
+                    std::vector<std::string>{"digest", "--help"}, std::vector<std::string>{"diff", "--help"},
+                    std::vector<std::string>{"eval", "--help"}, std::vector<std::string>{"repl", "--help"},
+                    std::vector<std::string>{"map", "--help"}, std::vector<std::string>{"trace", "--help"}));
 
 TEST(QznumEvalHelp, NamesEveryFunctionAndConstant) {
     const std::string help = qznum({"eval", "--help"}).results;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <pty.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -80,15 +81,20 @@ pid_t spawn(const std::vector<std::string>& command, int input, int output, int 
     return process;
 }
 
-int wait_for(pid_t process) {
+/* The outcome, still without its texts. */
+Outcome wait_for(pid_t process) {
     constexpr int status_of_signal = 128;
     int status = 0;
-    while (waitpid(process, &status, 0) == -1) {
+    rusage usage{};
+    while (wait4(process, &status, 0, &usage) == -1) {
         if (errno != EINTR) {
-            fail(errno, "waitpid");
+            fail(errno, "wait4");
         }
     }
-    return WIFSIGNALED(status) ? status_of_signal + WTERMSIG(status) : WEXITSTATUS(status);
+    return {{},
+            {},
+            WIFSIGNALED(status) ? status_of_signal + WTERMSIG(status) : WEXITSTATUS(status),
+            usage.ru_maxrss};
 }
 
 /* The near side of a terminal whose far side a process has. */
@@ -158,7 +164,9 @@ Outcome on_terminal(const std::vector<std::string>& command, const std::vector<T
         terminal.type(typed.keys);
     }
     std::string shown = terminal.read_all();
-    return {std::move(shown), "", wait_for(process)};
+    Outcome outcome = wait_for(process);
+    outcome.results = std::move(shown);
+    return outcome;
 }
 
 TemporaryFolder::TemporaryFolder() : path_(std::filesystem::temp_directory_path() / "qznum_XXXXXX") {
@@ -179,8 +187,10 @@ Outcome run(const std::vector<std::string>& command, std::string_view input) {
     standard_input.write(input);
     const pid_t process =
         spawn(command, standard_input.descriptor(), results.descriptor(), messages.descriptor());
-    const int status = wait_for(process);
-    return {results.read(), messages.read(), status};
+    Outcome outcome = wait_for(process);
+    outcome.results = results.read();
+    outcome.messages = messages.read();
+    return outcome;
 }
 
 Outcome qznum(std::vector<std::string> arguments, std::string_view input) {

@@ -12,6 +12,7 @@ struct Outcome {
     std::string results;  /* standard output */
     std::string messages; /* standard error */
     int status;           /* exit status; 128 + n when signal n ended the process */
+    long peak_kilobytes;  /* the memory of the largest of its processes */
 };
 
 /* Throws std::system_error when the program cannot be started. */

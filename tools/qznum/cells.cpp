@@ -3,7 +3,7 @@
 #include "engine.hpp"
 
 #include <fmt/format.h>
-#include <qzoci/decimal_text.hpp>
+#include <qzoci/number_text.hpp>
 
 #include <algorithm>
 
@@ -89,7 +89,18 @@ Cell read_bytes(const RowShape& shape, const Row& row) {
     return {true, *number, fault_of_bytes(*number), {}};
 }
 
+/* Whether the first pair of a number other than zero is 00, as parse() has it below the engine's range. */
+bool begins_with_zero_pair(const OCINumber& number) {
+    return number.OCINumberPart[0] > 1 &&
+           number.OCINumberPart[2] == (number.OCINumberPart[1] > 128 ? 1 : 101);
+}
+
 Cell read_decimal(std::string_view text) {
+    /* Nearly every cell is a number that is held exactly: then nothing has to be packed. */
+    const auto exact = qzoci::parse(text);
+    if (exact && !begins_with_zero_pair(exact->oci())) {
+        return {true, exact->oci(), {}, {}};
+    }
     const auto record = qzoci::parse_record(text);
     if (!record) {
         return {false, {}, qzoci::message(record.error()), {}};
@@ -130,7 +141,8 @@ qzoci::expected<OCINumber, qzoci::text_error> parse_dressed_hex(std::string_view
 
 qzoci::expected<OCINumber, qzoci::text_error> bytes_of(const RowShape& shape, const Row& row) {
     if (shape.form != RowForm::raw) {
-        return parse_dressed_hex(row.text);
+        const auto undressed = qzoci::parse_hex(row.text);
+        return undressed ? undressed : parse_dressed_hex(row.text);
     }
     OCINumber number{};
     std::copy(row.text.begin(), row.text.end(), number.OCINumberPart);

@@ -8,6 +8,13 @@ namespace qznum {
 
 void add_decode(CommandLine& line);
 void add_encode(CommandLine& line);
+void add_check(CommandLine& line);
+void add_canon(CommandLine& line);
+void add_sum(CommandLine& line);
+void add_stats(CommandLine& line);
+void add_profile(CommandLine& line);
+void add_digest(CommandLine& line);
+void add_diff(CommandLine& line);
 void add_eval(CommandLine& line);
 void add_functions(CommandLine& line);
 void add_map(CommandLine& line);

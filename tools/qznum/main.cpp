@@ -18,6 +18,9 @@ constexpr const char* examples = R"(Examples:
   qznum decode 03c10233                a stored number, given as hex, in decimal
   qznum decode -v 043e643366           each of its bytes by name
   qznum encode 1.5 -0.001              decimals as stored numbers
+  qznum check 03c10201                 whether one is well-formed, and canonical
+  qznum sum 0.1 0.2                    the exact sum, of files too
+  qznum stats --file prices.csv --column price
   qznum eval '(1.5 + 0x03c10233) * 2'  arithmetic on decimals and stored numbers
   qznum eval --record '1 / 3'          all 160 digits after the point
   qznum eval 'sqrt(2) * sin(pi / 4)'   elementary functions
@@ -30,6 +33,13 @@ ExitStatus run(const std::vector<std::string>& arguments, Output& output) {
     CommandLine line(description, examples, "qznum " QZNUM_VERSION);
     add_decode(line);
     add_encode(line);
+    add_check(line);
+    add_canon(line);
+    add_sum(line);
+    add_stats(line);
+    add_profile(line);
+    add_digest(line);
+    add_diff(line);
     add_eval(line);
     add_functions(line);
     add_map(line);

@@ -3,11 +3,12 @@
 #include "json_text.hpp"
 
 #include <fmt/format.h>
-#include <qzoci/decimal_text.hpp>
+#include <qzoci/number_text.hpp>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <span>
 #include <utility>
 
 namespace qznum {
@@ -63,6 +64,10 @@ std::vector<std::string> plain_columns(const RowShape& shape) {
 
 std::vector<std::string> columns_of(const RowShape& shape) {
     return shape.has_columns() ? shape.columns : plain_columns(shape);
+}
+
+std::span<const unsigned char> as_bytes(std::string_view text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
 std::string value_column(const RowShape& shape) {
@@ -127,8 +132,13 @@ void RowFormat::append_number(std::string& out, const Row& row, const OCINumber&
         out.append(QZOCI_NUMBER_SIZE - length, '\0');
         return;
     }
-    const bool as_hex = form_ == ResultForm::hex || notation_ == Notation::hex;
-    append_text(out, row, as_hex ? qzoci::format_hex_all(number) : qzoci::format_number(number).value());
+    if (form_ == ResultForm::hex || notation_ == Notation::hex) {
+        append_text(out, row, qzoci::format_hex_all(number));
+        return;
+    }
+    std::array<char, qzoci::max_plain_text_size> text;
+    const auto [end, error] = qzoci::to_chars(text.data(), text.data() + text.size(), qzoci::number(number));
+    append_text(out, row, {text.data(), static_cast<std::size_t>(end - text.data())});
 }
 
 void RowFormat::append_null(std::string& out, const Row& row) const {
@@ -151,31 +161,35 @@ void RowFormat::append_text(std::string& out, const Row& row, std::string_view v
     }
 }
 
-std::string_view RowFormat::own_text(const Row& row, std::size_t column, NumberText& number) const {
+std::string_view RowFormat::own_text(const Row& row, std::size_t column, OwnText& room) const {
     if (shape_.has_columns()) {
         return row.fields[column];
     }
     if (column == 0) {
-        const auto [end, error] = std::to_chars(number.data(), number.data() + number.size(), row.number);
-        return {number.data(), static_cast<std::size_t>(end - number.data())};
+        const auto [end, error] = std::to_chars(room.data(), room.data() + room.size(), row.number);
+        return {room.data(), static_cast<std::size_t>(end - room.data())};
+    }
+    if (shape_.form == RowForm::raw) {
+        char* const end = fmt::format_to(room.data(), "{:02x}", fmt::join(as_bytes(row.text), ""));
+        return {room.data(), static_cast<std::size_t>(end - room.data())};
     }
     return column == 1 && shape_.form == RowForm::lines ? row.label : row.text;
 }
 
 void RowFormat::append_cells(std::string& out, const Row& row, std::string_view value) const {
-    NumberText number;
+    OwnText room;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (i > 0) {
             out += delimiter(form_);
         }
-        append_field(out, i == result_column_ ? value : own_text(row, i, number), delimiter(form_));
+        append_field(out, i == result_column_ ? value : own_text(row, i, room), delimiter(form_));
     }
     out += '\n';
 }
 
 /* In an array each object stands after a comma; the writer takes the first one away. */
 void RowFormat::append_object(std::string& out, const Row& row, std::string_view value, bool null) const {
-    NumberText number;
+    OwnText room;
     out += form_ == ResultForm::json ? ",\n" : "";
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         out += keys_[i];
@@ -185,9 +199,9 @@ void RowFormat::append_object(std::string& out, const Row& row, std::string_view
         } else if (i == result_column_) {
             out += value;
         } else if (is_row_number) {
-            out += own_text(row, i, number);
+            out += own_text(row, i, room);
         } else {
-            append_json_string(out, own_text(row, i, number));
+            append_json_string(out, own_text(row, i, room));
         }
     }
     out += form_ == ResultForm::json ? "}" : "}\n";
@@ -234,7 +248,7 @@ void RowResults::message(std::string_view text) {
 
 void RowResults::error(const Row& row, std::string_view text) {
     message(row, text);
-    ++error_count_;
+    count_error();
 }
 
 /* ---- Writing ---- */

@@ -59,10 +59,11 @@ public:
     void append_text(std::string& out, const Row& row, std::string_view value) const;
 
 private:
-    using NumberText = std::array<char, 20>; /* room for a row's number */
+    using OwnText =
+        std::array<char, 2 * QZOCI_NUMBER_SIZE>; /* room for a row's number or its record in hex */
 
     /* The text of a column other than the result's. */
-    std::string_view own_text(const Row& row, std::size_t column, NumberText& number) const;
+    std::string_view own_text(const Row& row, std::size_t column, OwnText& room) const;
     void append_cells(std::string& out, const Row& row, std::string_view value) const;
     void append_object(std::string& out, const Row& row, std::string_view value, bool null) const;
     void append_line(std::string& out, const Row& row, std::string_view value) const;
@@ -95,6 +96,9 @@ public:
 
     /* A message about a row in error. */
     void error(const Row& row, std::string_view text);
+
+    /* Counts the row as one in error; what is wrong stands in the results. */
+    void count_error() { ++error_count_; }
 
     std::size_t error_count() const { return error_count_; }
 

@@ -19,18 +19,22 @@ ResultForm OutputOptions::form() const {
     return jsonl ? ResultForm::jsonl : result_form(to);
 }
 
+void add_form_options(Command& command, RowOptions& options) {
+    command.choice("--from", "FORM", {"lines", "csv", "tsv", "raw"}, options.from,
+                   "What the input is, if its name does not end in .csv or .tsv");
+    command.option("-c,--column", "COLUMN", options.column,
+                   "The column of a table, by name or by number from 1");
+    command.flag("--no-header", options.no_header, "The first row of a table holds no names");
+    command.option("--null", "WORD", options.null_word, "A cell that is WORD is a null too");
+}
+
 void add_input_options(Command& command, InputOptions& options, const std::string& values,
                        const std::string& values_help, const std::vector<std::string>& on_error) {
-    RowOptions& rows = options.rows;
-    command.values(values, rows.values, values_help);
-    command.option("--file", "FILE", rows.file_name, "Read the values from FILE, - for standard input");
+    command.values(values, options.rows.values, values_help);
+    command.option("--file", "FILE", options.rows.file_name,
+                   "Read the values from FILE, - for standard input");
     command.exclude("--file", values);
-    command.choice("--from", "FORM", {"lines", "csv", "tsv", "raw"}, rows.from,
-                   "What the input is, if its name does not end in .csv or .tsv");
-    command.option("-c,--column", "COLUMN", rows.column,
-                   "The column of a table, by name or by number from 1");
-    command.flag("--no-header", rows.no_header, "The first row of a table holds no names");
-    command.option("--null", "WORD", rows.null_word, "A cell that is WORD is a null too");
+    add_form_options(command, options.rows);
     command.choice("--on-error", "WHAT", on_error, options.on_error, "What to do about a row in error");
     command.option("--threads", "N", options.threads, "Work with N threads instead of one a processor");
 }

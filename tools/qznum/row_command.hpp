@@ -29,6 +29,9 @@ struct OutputOptions {
     ResultForm form() const;
 };
 
+/* What says how a file is read: its form, its column, its nulls. */
+void add_form_options(Command& command, RowOptions& options);
+
 /* `values` names the arguments, `on_error` what the command can do about errors. The options must live as long as
  * the command's action. */
 void add_input_options(Command& command, InputOptions& options, const std::string& values,
