@@ -4,6 +4,7 @@
 #include "qzoci/limbs/square_root.h"
 #include "qzoci/oci_calc_number_elementary.h"
 #include "tests/limbs/levels.h"
+#include "tests/limbs/random_records.h"
 #include "tests/support/records.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace qzoci::test {
 namespace {
@@ -108,6 +110,46 @@ QZCICalcNumber record_with_large_limbs() {
     QZCICalcNumber quotient;
     engine::div({false, false}, &four, &divisor, &quotient);
     return quotient;
+}
+
+/* Limbs of an integer, least significant first. */
+using LimbString = std::vector<ub4>;
+
+/* None of them near 0, 10^8 or a small part of it. */
+LimbString ordinary_limbs(RandomRecords& random, size_t count) {
+    LimbString limbs(count);
+    for (ub4& limb : limbs) {
+        limb = static_cast<ub4>(60000000 + random.below(20000000));
+    }
+    return limbs;
+}
+
+LimbString product(const LimbString& a, const LimbString& b) {
+    LimbString limbs(a.size() + b.size());
+    for (size_t i = 0; i < a.size(); ++i) {
+        ub8 carry = 0;
+        for (size_t j = 0; j < b.size(); ++j) {
+            carry += limbs[i + j] + ub8{a[i]} * b[j];
+            limbs[i + j] = static_cast<ub4>(carry % limbs::base);
+            carry /= limbs::base;
+        }
+        limbs[i + b.size()] = static_cast<ub4>(carry);
+    }
+    return limbs;
+}
+
+/* The record whose limb last_limb - i is limbs[i], those beyond limb 39 cut off. */
+QZCICalcNumber record_from_string(const LimbString& limbs, int last_limb) {
+    QZCICalcNumber record;
+    initNullValue(&record);
+    for (size_t i = 0; i < limbs.size(); ++i) {
+        const int position = last_limb - static_cast<int>(i);
+        if (position >= 0 && position < QZCI_CALC_LIMBS) {
+            record.data_part[position] = limbs[i];
+        }
+    }
+    QZCICalcNumInit(&record);
+    return record;
 }
 
 TEST_P(FastKernels, DeclineLimbsAbove99999999) {
@@ -333,6 +375,44 @@ TEST(QuotientDigits, StayInsideUpToTheirBounds) {
         EXPECT_TRUE(limbs::digits_stay_inside(digits, 1, 0, least));
     }
     EXPECT_FALSE(limbs::digits_stay_inside(above, 2, 1, least));
+}
+
+/* An unrefined trial digit that is two too large leaves a rest that is not the true one, and here the digit after
+ * it a rest of exactly -10^16, which counts as 0. */
+TEST_P(FastQuotient, TakesARestOfAWholeWindowFor0) {
+    struct Case {
+        ub4 dividend[4];
+        ub4 divisor[2];
+    };
+
+    const Case cases[] = {{{50000243, 43260731, 98038310, 21922236}, {50000244, 99999709}},
+                          {{50000133, 45260105, 21336422, 8687546}, {50000134, 99996061}},
+                          {{50000485, 27197588, 91615346, 71578056}, {50000486, 99999516}}};
+    for (const auto& [u, v] : cases) {
+        const QZCICalcNumber dividend = record_from_limbs(
+            {{19, u[0]}, {20, u[1]}, {21, u[2]}, {22, u[3]}, {23, 12345678}, {24, 12345678}, {25, 12345678}});
+        const QZCICalcNumber divisor = record_from_limbs({{19, v[0]}, {20, v[1]}});
+        EXPECT_EQ(taken(engine::div, Stretch::quotient, dividend, divisor), Taken::finished);
+    }
+}
+
+/* The quotient ends in half a unit of limb 39, or lacks next to nothing of it: what is left after its last digit
+ * tells, and that shows beyond the end of both operands. */
+TEST_P(FastQuotient, RoundsByWhatIsLeftBeyondTheOperands) {
+    RandomRecords random(20261121);
+    for (int i = 0; i < 20; ++i) {
+        LimbString divisor = ordinary_limbs(random, QZCI_CALC_LIMBS);
+        LimbString quotient = ordinary_limbs(random, 22);
+        divisor.back() = 3;
+        quotient.back() = 7;
+        quotient.front() = 50000000;
+        const QZCICalcNumber below = record_from_string(product(quotient, divisor), 60);
+        const QZCICalcNumber by = record_from_string(divisor, 39);
+        EXPECT_EQ(taken(engine::div, Stretch::quotient, below, by), Taken::finished);
+        QZCICalcNumber above = below;
+        ++above.data_part[39];
+        EXPECT_EQ(taken(engine::div, Stretch::quotient, above, by), Taken::finished);
+    }
 }
 
 TEST_P(FastRemainder, IsNotTriedWhereNothingIsDividedByTwoLimbs) {
@@ -623,6 +703,24 @@ TEST_P(FastRoot, JumpsToRootsJustAboveAPowerOfTwo) {
         engine::add(plain, &square, &number, &number);
         EXPECT_EQ(taken_for_root(number), Taken::finished) << exponent;
     }
+}
+
+/* The root ends in a quarter of a unit of limb 39, where its rounding turns, but for less than 10^-9 of a unit. */
+TEST_P(FastRoot, JumpsBesideAQuarterOfTheLastPlace) {
+    RandomRecords random(20261122);
+    int jumps = 0;
+    constexpr int roots = 20;
+    for (int i = 0; i < roots; ++i) {
+        LimbString root = ordinary_limbs(random, 23);
+        root.front() = 25000000;
+        root.back() = 10;
+        const QZCICalcNumber below = record_from_string(product(root, root), 61);
+        QZCICalcNumber above = below;
+        ++above.data_part[39];
+        jumps += taken_for_root(below) == Taken::finished ? 1 : 0;
+        jumps += taken_for_root(above) == Taken::finished ? 1 : 0;
+    }
+    EXPECT_GT(jumps, roots);
 }
 
 TEST_P(FastRoot, JumpsToAnExactRoot) {
