@@ -165,8 +165,8 @@ TEST(QznumRepl, EndsWhereItIsTold) {
 class QznumReplOnTerminal : public testing::Test {
 protected:
     Outcome repl(const std::string& state_folder, const std::vector<Typed>& keys) {
-        return on_terminal(
-            {"env", "TERM=xterm", "XDG_STATE_HOME=" + state_folder, QZNUM_FOLDER "/qznum", "repl"}, keys);
+        const std::string tool = QZNUM_FOLDER "/qznum";
+        return on_terminal({"env", "TERM=xterm", "XDG_STATE_HOME=" + state_folder, tool, "repl"}, keys);
     }
 
     const TemporaryFolder folder_;
