@@ -66,7 +66,7 @@ void check_number(std::string_view text) {
 void check_format_spec(std::string_view text) {
     const auto spec = qzoci::parse_format_spec(text);
     if (!spec) {
-        demand(spec.error().position <= text.size(), "the error stands in the specification or at its end");
+        demand(spec.error().position <= text.size(), "the error stands in the format or at its end");
         return;
     }
     using namespace qzoci::literals;

@@ -1,5 +1,6 @@
 /** @file
- * Formatters of numbers and records: fmt::format("{:>12,.2/half_even}", price). The specification is that of format_spec.hpp.
+ * Formatters of numbers and records: fmt::format("{:>12,.2/half_even}", price). What a format
+ * may say stands in format_spec.hpp.
  *
  * fmt::formatter for fmt from version 9 on. Include std_format.hpp for std::formatter.
  */
@@ -25,7 +26,7 @@ struct fmt_library {
 
 } // namespace qzoci::detail
 
-/** Errors of the specification do not compile where fmt checks formats then, and throw fmt::format_error elsewhere, as
+/** Errors of the format do not compile where fmt checks formats then, and throw fmt::format_error elsewhere, as
  * do widths and numbers of digits among the arguments that are no integers in 0..999999. */
 template <>
 struct fmt::formatter<qzoci::number>

@@ -139,7 +139,7 @@ struct argument_numbers {
 struct scanned_spec {
     format_spec spec{};
     argument_numbers arguments{};
-    std::size_t end = 0; /* of the specification in its text: where '}' stands, or the text's size */
+    std::size_t end = 0; /* of the format in its text: where '}' stands, or the text's size */
 };
 
 /* For texts that have no arguments beside them. */

@@ -29,7 +29,7 @@ inline text_alignment alignment_of(std::ios_base::fmtflags flags) {
     }
 }
 
-/* The specification that the flags of a stream amount to. */
+/* The format that the flags of a stream amount to. */
 inline format_spec stream_spec(const std::ostream& out) {
     const std::ios_base::fmtflags flags = out.flags();
     const std::ios_base::fmtflags float_flags = flags & std::ios_base::floatfield;

@@ -1,6 +1,6 @@
 /** @file
- * std::formatter of numbers and records where the standard library has <format>; nothing elsewhere. The specification is that of
- * format_spec.hpp.
+ * std::formatter of numbers and records where the standard library has <format>; nothing elsewhere. What a
+ * format may say stands in format_spec.hpp.
  */
 #ifndef QZOCI_STD_FORMAT_HPP
 #define QZOCI_STD_FORMAT_HPP
@@ -28,7 +28,7 @@ struct std_library {
 
 } // namespace qzoci::detail
 
-/** Errors of the specification do not compile; std::vformat throws std::format_error, as do widths and numbers of digits
+/** Errors of the format do not compile; std::vformat throws std::format_error, as do widths and numbers of digits
  * among the arguments that are no integers in 0..999999. */
 template <>
 struct std::formatter<qzoci::number>

@@ -37,7 +37,7 @@ std::string error_text(std::size_t position, format_spec_fault fault) {
     return message(format_spec_error{position, fault});
 }
 
-/* ---- The specification ---- */
+/* ---- What a format may say ---- */
 
 TEST(FormatSpec, EmptyIsExactAndPlain) {
     EXPECT_EQ(parse_format_spec("").value(), format_spec());
