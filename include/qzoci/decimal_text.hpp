@@ -8,6 +8,7 @@
 #include <qzoci/expected.hpp>
 #include <qzoci/hex_text.hpp>
 #include <qzoci/number_bytes.hpp>
+#include <qzoci/record_operations.hpp>
 #include <qzoci/text_error.hpp>
 #include <qzoci/text_format.hpp>
 
@@ -217,28 +218,15 @@ constexpr void place_digit(QZCICalcNumber& record, int digit, int weight) {
     record.data_part[place / limb_digits] += value;
 }
 
-/* Sets positions and zero flag of a finite record from its limbs. */
-constexpr void locate_limbs(QZCICalcNumber& record) {
-    record.start_pos = -1;
-    record.end_pos = -1;
-    for (int i = 0; i < QZCI_CALC_LIMBS; ++i) {
-        if (record.data_part[i] != 0) {
-            record.start_pos = record.start_pos < 0 ? static_cast<sb1>(i) : record.start_pos;
-            record.end_pos = static_cast<sb1>(i);
-        }
-    }
-    record.is_zero = record.start_pos < 0 ? 1 : 0;
-}
-
 /* The record of a scanned number, or its first digit that does not fit. */
 constexpr expected<QZCICalcNumber, text_error> record_of(std::string_view text,
                                                          const scanned_number& number) {
-    QZCICalcNumber record{{}, number.negative ? sb1{-1} : sb1{1}, 0, -1, -1, 1};
+    const sb1 sign = number.negative ? sb1{-1} : sb1{1};
     if (number.infinite) {
-        record.num_infinity = 1;
-        record.is_zero = 0;
-        return record;
+        return infinite_record(sign);
     }
+    QZCICalcNumber record = zero_record;
+    record.num_signed = sign;
     for (std::size_t i = number.digits; i < number.digits_end; ++i) {
         if (i == number.point || text[i] == '0') {
             continue;
@@ -252,7 +240,7 @@ constexpr expected<QZCICalcNumber, text_error> record_of(std::string_view text,
         }
         place_digit(record, text[i] - '0', static_cast<int>(weight));
     }
-    locate_limbs(record);
+    normalise(record);
     return record;
 }
 
