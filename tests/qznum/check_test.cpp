@@ -12,11 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string all_bytes(std::string hex) {
-    hex.resize(std::size_t{2} * 22, '0');
-    return hex;
-}
-
 struct Verdict {
     const char* hex;
     const char* verdict;

@@ -15,11 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string all_bytes(std::string hex) {
-    hex.resize(std::size_t{2} * QZOCI_NUMBER_SIZE, '0');
-    return hex;
-}
-
 struct Encoded {
     const char* decimal;
     const char* hex; /* up to the length */

@@ -18,11 +18,6 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string all_bytes(std::string hex) {
-    hex.resize(std::size_t{2} * 22, '0');
-    return hex;
-}
-
 std::string joined(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) {

@@ -27,11 +27,6 @@ Outcome encode_table(const std::vector<std::string>& options, const std::string&
     return qznum(arguments, input);
 }
 
-std::string all_bytes(std::string hex) {
-    hex.resize(std::size_t{2} * 22, '0');
-    return hex;
-}
-
 TEST(QznumTable, KeepsItsColumnsAndQuotesWhatNeedsQuotes) {
     const Outcome outcome = encode_table({"--column", "price", "--to", "csv"});
     EXPECT_EQ(outcome.results, "item,price,note\n"

@@ -1,5 +1,7 @@
 #include "tests/qznum/tool.h"
 
+#include "qzoci/oci_types.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -210,6 +212,11 @@ std::vector<std::string> lines_of(std::string_view text) {
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     }
     return lines;
+}
+
+std::string all_bytes(std::string hex) {
+    hex.resize(std::size_t{2} * QZOCI_NUMBER_SIZE, '0');
+    return hex;
 }
 
 } // namespace qzoci::test

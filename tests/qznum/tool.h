@@ -50,6 +50,9 @@ private:
 
 std::vector<std::string> lines_of(std::string_view text);
 
+/* All 44 hex digits of a stored number, given those of the bytes it uses: the rest is 00. */
+std::string all_bytes(std::string hex);
+
 } // namespace qzoci::test
 
 #endif /* QZOCI_TESTS_QZNUM_TOOL_H */
