@@ -79,7 +79,7 @@ std::vector<std::string> formats_in(std::string_view source, std::span<const std
 }
 
 std::string format_of(const CapturedLine& line) {
-    return line.format.starts_with(name_conversion) ? line.text : line.format;
+    return line.format.starts_with(name_conversion) ? line.text : std::string(line.format);
 }
 
 std::vector<std::string> complaints(std::span<const std::string> formats,

@@ -38,7 +38,7 @@ Answer answer_to(const std::string& request, Side side) {
         answer.fields = fields_text(outcome.effect.result.value());
     }
     for (const CapturedLine& line : without_debug(outcome.lines)) {
-        answer.formats.push_back(line.format);
+        answer.formats.emplace_back(line.format);
     }
     return answer;
 }

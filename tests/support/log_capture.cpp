@@ -1,6 +1,7 @@
 #include "tests/support/log_capture.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -18,13 +19,12 @@ struct VariadicArguments {
     va_list list;
 };
 
+/* The widths that the engine asks for are a few digits. */
 template <typename Value>
 std::string formatted(const std::string& conversion, Value value) {
-    const int length = std::snprintf(nullptr, 0, conversion.c_str(), value);
-    std::string text(static_cast<size_t>(length) + 1, '\0');
+    std::array<char, 64> text;
     std::snprintf(text.data(), text.size(), conversion.c_str(), value);
-    text.pop_back();
-    return text;
+    return text.data();
 }
 
 /* conversion: one whole conversion specification, such as "%08d". The engine's contract names those it uses;
@@ -50,17 +50,19 @@ std::string convert(const std::string& conversion, VariadicArguments& arguments,
 
 std::string render(const char* format, VariadicArguments& arguments, const PointerNames& names) {
     std::string text;
-    for (const char* rest = format; *rest != '\0';) {
-        if (*rest != '%') {
-            text += *rest++;
-            continue;
+    text.reserve(120); /* nearly every line fits */
+    for (const char* rest = format;;) {
+        const size_t literal = std::strcspn(rest, "%");
+        text.append(rest, literal);
+        rest += literal;
+        if (*rest == '\0') {
+            return text;
         }
         const size_t before_letter = 1 + std::strspn(rest + 1, "-+ #.0123456789l");
         const std::string conversion(rest, strnlen(rest, before_letter + 1));
         text += convert(conversion, arguments, names);
         rest += conversion.size();
     }
-    return text;
 }
 
 } // namespace

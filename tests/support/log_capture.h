@@ -12,6 +12,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -36,9 +37,10 @@ private:
 
 struct CapturedLine {
     std::optional<log_level> level; /* none: a line on standard output */
-    std::string file;               /* this and the next two: empty and 0 for a line on standard output */
+    /* Literals of the engine's. This and the next two: empty and 0 for a line on standard output. */
+    std::string_view file;
     long line = 0;
-    std::string format;
+    std::string_view format;
     std::string text; /* the format with its arguments, %p as a letter */
 
     bool is_debug() const { return level == LOG_LEVEL_DEBUG; }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qzoci::test {
@@ -71,8 +72,9 @@ constexpr const char* sample = R"(void f() {
 
 const std::vector<LogUse> uses_of_sample = log_uses(sample, "f.cpp");
 
-CapturedLine line_at(long line, const std::string& format) {
-    return {LOG_LEVEL_DEBUG, "f.cpp", line, format, format};
+/* format: a literal. */
+CapturedLine line_at(long line, std::string_view format) {
+    return {LOG_LEVEL_DEBUG, "f.cpp", line, format, std::string(format)};
 }
 
 const std::vector<CapturedLine> all_lines_of_sample = {line_at(3, "first:%p and (second), %d"),
