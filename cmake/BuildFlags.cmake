@@ -22,7 +22,7 @@ if(QZOCI_SANITIZE)
     target_link_options(qzoci_build_flags INTERFACE -fsanitize=${QZOCI_SANITIZE})
 endif()
 if(QZOCI_COVERAGE)
-    target_compile_options(qzoci_build_flags INTERFACE --coverage -fprofile-update=atomic)
+    target_compile_options(qzoci_build_flags INTERFACE --coverage)
     target_link_options(qzoci_build_flags INTERFACE --coverage)
 endif()
 
