@@ -236,6 +236,8 @@ TEST(MalformedPositions, FarBelowTheRecordMakeAProductInfinite) {
     EXPECT_EQ(
         lines[3],
         "2|exceed max precision to calc in QZCICalcNumMul :need -1 + -160 < 20, set to infinity number");
+    EXPECT_EQ(result_of("QZCICalcNumMul R:1,0,70,69,0,z40 R:-1,0,70,69,0,z40"), negative_infinity);
+    EXPECT_EQ(result_of("QZCICalcNumMul R:1,0,70,69,0,z40 R:-1,0,69,68,0,z40"), negative_zero);
 }
 
 /* ---- Limbs above 99999999 ---- */
