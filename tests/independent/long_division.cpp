@@ -80,7 +80,7 @@ ub8 normalising_factor(const std::vector<ub4>& v) {
     return ub8{base} / (ub8{v.back()} + 1);
 }
 
-/* window: n + 1 limbs, v: n + 1 limbs with a top limb of 0. */
+/* window: n + 1 limbs, v: n + 1 limbs, the top one 0 but for limbs above B. */
 ub8 trial_digit(std::span<const ub4> window, std::span<const ub4> v, size_t n) {
     const ub8 top = v[n - 1];
     const ub8 leading = ub8{window[n]} * base + window[n - 1];
@@ -102,13 +102,15 @@ ub8 trial_digit(std::span<const ub4> window, std::span<const ub4> v, size_t n) {
     return digit;
 }
 
-/* window -= digit * v, the product formed on the way. Returns whether a borrow left the window. */
+/* window -= digit * v, the product formed on the way; above its n limbs stands its carry, or what stands above v
+ * where there is none. Returns whether a borrow left the window. */
 bool subtract_multiple(std::span<ub4> window, std::span<const ub4> v, ub8 digit) {
     const size_t n = v.size() - 1;
     ub8 carry = 0;
     sb8 borrow = 0;
     for (size_t i = 0; i <= n; ++i) {
-        const ub8 value = digit * v[i] + carry;
+        const ub8 above = carry != 0 ? carry : v[i];
+        const ub8 value = i < n ? digit * v[i] + carry : above;
         const bool splits = i < n && value > base;
         carry = splits ? value / base : 0;
         const sb8 subtrahend = sb8{static_cast<ub4>(splits ? value % base : value)} + borrow;

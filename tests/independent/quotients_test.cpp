@@ -6,9 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <map>
+#include <span>
+#include <stdexcept>
 #include <string_view>
 
 namespace qzoci::test {
@@ -258,6 +261,78 @@ TEST(AgainstExactIntegers, LongDivisionOfLimbArrays) {
     });
     EXPECT_GE(shares.certain_share(), least_certain_share);
     EXPECT_GT(shares.wrong(), 0U);
+}
+
+/* A record whose limbs first..last are any 32-bit values, those next to 10^8 more often than chance has them. */
+Operand operand_of_any_limbs(Random& random, int first, int last) {
+    constexpr ub4 edges[] = {0, 1, 99999999, 100000000, 100000001, 4294967295};
+    QZCICalcNumber record{};
+    record.num_signed = random.one_in(2) ? 1 : -1;
+    for (int i = first; i <= last; ++i) {
+        const auto any = static_cast<ub4>(random.next() >> 32);
+        const ub4 edge = random.pick(std::span<const ub4>(edges));
+        const bool is_outer = i == first || i == last;
+        const ub4 limb = random.one_in(4) ? any : random.one_in(3) ? edge : any % 100000000;
+        record.data_part[i] = is_outer && limb == 0 ? 1 : limb;
+    }
+    QZCICalcNumInit(&record);
+    return {record, 0};
+}
+
+/* The dividend starts within 18 limbs of the divisor, which has several limbs. */
+OperandPair pair_of_any_limbs(ub8 index, bool dividend_is_larger) {
+    Random random(index);
+    const int divisor_first = random.between(1, 38);
+    const int divisor_last = random.between(divisor_first + 1, random.one_in(2) ? divisor_first + 1 : 39);
+    const int most_above = std::min(18, divisor_first);
+    const int above = random.between(dividend_is_larger ? 1 : std::max(divisor_first - 39, -18), most_above);
+    const int dividend_first = divisor_first - above;
+    const int dividend_last = random.between(dividend_first, 39);
+    return {"limbs of any value",
+            index,
+            index,
+            operand_of_any_limbs(random, dividend_first, dividend_last),
+            operand_of_any_limbs(random, divisor_first, divisor_last),
+            1};
+}
+
+/* The record that make gives, or an error where the steps divide by zero or do not settle. */
+template <typename Make>
+contract::Expected expected_of_steps(Make make) {
+    try {
+        return {OCI_SUCCESS, make(), "a result"};
+    } catch (const std::logic_error&) {
+        return {OCI_ERROR, {}, "an error"};
+    }
+}
+
+/* Limbs above 99999999 go through the steps as they stand. */
+TEST(AgainstSecondLongDivision, QuotientsOfAnyLimbs) {
+    Tally quotients("quotients of any limbs");
+    for_each_index(pair_count / 10, [&](ub8 index) {
+        const OperandPair pair = pair_of_any_limbs(index, false);
+        const contract::Expected expected = expected_of_steps([&pair] {
+            const DivisionResult division = literal_division(quotient_division(pair.a, pair.b));
+            return record_of_quotient(division, pair.a, pair.b);
+        });
+        check(pair, "QZCICalcNumDiv", expected, pair.a, &pair.b);
+        quotients.count(expected.rule);
+    });
+    quotients.expect_all({"a result", "an error"});
+}
+
+TEST(AgainstSecondLongDivision, RemaindersOfAnyLimbs) {
+    Tally remainders("remainders of any limbs");
+    for_each_index(pair_count / 10, [&](ub8 index) {
+        const OperandPair pair = pair_of_any_limbs(index, true);
+        const contract::Expected expected = expected_of_steps([&pair] {
+            const DivisionResult division = literal_division(remainder_division(pair.a, pair.b));
+            return record_of_remainder(division, pair.a, pair.b);
+        });
+        check(pair, "QZCICalcNumMod", expected, pair.a, &pair.b);
+        remainders.count(expected.rule);
+    });
+    remainders.expect_all({"a result", "an error"});
 }
 
 } // namespace
