@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* help = R"(Examples:
   qznum trace '1.5 + 2'
-  qznum trace 'sqrt(2)' | less
+  qznum trace 'sqrt(2)' | head -n 40
   qznum trace --set x=2 'x * 3' | grep 'call function'
 
 Prints the lines that the engine writes while it computes, those of an operation indented under its
