@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <barrier>
 #include <chrono>
@@ -71,27 +72,25 @@ TEST_P(LoggingFunction, MayKeepNothing) {
 TEST_P(LoggingFunction, MayCallTheEngine) {
     const std::vector<const Operation*> operations = operations_on_numbers();
     const std::vector<Operands> inner_operands = random_operands(12, 20261123);
-    std::vector<CallEffect> inner_expected;
-    for (size_t i = 0; i < operations.size(); ++i) {
-        inner_expected.push_back(
-            effect_of_call(*operations[i], Side::traced, inner_operands[i % inner_operands.size()]));
-    }
-    const CallEffect same_expected = effect_of_call(operation_, Side::traced, inner_operands[0]);
-    constexpr size_t inner_calls = 8;
-    size_t turn = 0;
+    const auto expect_effect_of_traced = [&](const Operation& operation, size_t number) {
+        const Operands& operands = inner_operands[number % inner_operands.size()];
+        EXPECT_EQ(effect_of_call(operation, Side::public_function, operands),
+                  effect_of_call(operation, Side::traced, operands));
+    };
+    constexpr size_t inner_calls = 4;
+    /* Each test goes on with the operations after its own. */
+    auto turn = static_cast<size_t>(std::find(operations.begin(), operations.end(), &operation_) -
+                                    operations.begin());
     for (const Operands& operands : operands_) {
         const CallEffect expected = effect_of_call(operation_, Side::traced, operands);
         size_t lines_of_call = 0;
         const LineAction action([&] {
             if (lines_of_call == 0) {
-                EXPECT_EQ(effect_of_call(operation_, Side::public_function, inner_operands[0]),
-                          same_expected);
+                expect_effect_of_traced(operation_, 0);
             }
             if (lines_of_call < inner_calls) {
                 const size_t i = turn % operations.size();
-                EXPECT_EQ(effect_of_call(*operations[i], Side::public_function,
-                                         inner_operands[i % inner_operands.size()]),
-                          inner_expected[i]);
+                expect_effect_of_traced(*operations[i], i);
                 ++turn;
             }
             ++lines_of_call;
