@@ -162,7 +162,7 @@ private:
 };
 
 void compare(unsigned long first_seed, bool store_each_result) {
-    constexpr unsigned long count = 300;
+    constexpr unsigned long count = QZNUM_RANDOM_EXPRESSIONS;
     constexpr int deepest = 6;
     std::size_t longest = 0;
     for (unsigned long seed = first_seed; seed < first_seed + count; ++seed) {
