@@ -12,6 +12,7 @@
 #include <map>
 #include <span>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 namespace qzoci::test {
@@ -296,43 +297,39 @@ OperandPair pair_of_any_limbs(ub8 index, bool dividend_is_larger) {
             1};
 }
 
-/* The record that make gives, or an error where the steps divide by zero or do not settle. */
-template <typename Make>
-contract::Expected expected_of_steps(Make make) {
+using ResultOfSteps = QZCICalcNumber (*)(const OperandPair& pair);
+
+/* An error where the steps divide by zero or do not settle. */
+contract::Expected expected_of_steps(const OperandPair& pair, ResultOfSteps result_of) {
     try {
-        return {OCI_SUCCESS, make(), "a result"};
+        return {OCI_SUCCESS, result_of(pair), "a result"};
     } catch (const std::logic_error&) {
         return {OCI_ERROR, {}, "an error"};
     }
 }
 
 /* Limbs above 99999999 go through the steps as they stand. */
-TEST(AgainstSecondLongDivision, QuotientsOfAnyLimbs) {
-    Tally quotients("quotients of any limbs");
+void hold_any_limbs(std::string_view operation, bool dividend_is_larger, ResultOfSteps result_of) {
+    Tally results(std::string(operation) + " of any limbs");
     for_each_index(pair_count / 10, [&](ub8 index) {
-        const OperandPair pair = pair_of_any_limbs(index, false);
-        const contract::Expected expected = expected_of_steps([&pair] {
-            const DivisionResult division = literal_division(quotient_division(pair.a, pair.b));
-            return record_of_quotient(division, pair.a, pair.b);
-        });
-        check(pair, "QZCICalcNumDiv", expected, pair.a, &pair.b);
-        quotients.count(expected.rule);
+        const OperandPair pair = pair_of_any_limbs(index, dividend_is_larger);
+        const contract::Expected expected = expected_of_steps(pair, result_of);
+        check(pair, operation, expected, pair.a, &pair.b);
+        results.count(expected.rule);
     });
-    quotients.expect_all({"a result", "an error"});
+    results.expect_all({"a result", "an error"});
+}
+
+TEST(AgainstSecondLongDivision, QuotientsOfAnyLimbs) {
+    hold_any_limbs("QZCICalcNumDiv", false, [](const OperandPair& pair) {
+        return record_of_quotient(literal_division(quotient_division(pair.a, pair.b)), pair.a, pair.b);
+    });
 }
 
 TEST(AgainstSecondLongDivision, RemaindersOfAnyLimbs) {
-    Tally remainders("remainders of any limbs");
-    for_each_index(pair_count / 10, [&](ub8 index) {
-        const OperandPair pair = pair_of_any_limbs(index, true);
-        const contract::Expected expected = expected_of_steps([&pair] {
-            const DivisionResult division = literal_division(remainder_division(pair.a, pair.b));
-            return record_of_remainder(division, pair.a, pair.b);
-        });
-        check(pair, "QZCICalcNumMod", expected, pair.a, &pair.b);
-        remainders.count(expected.rule);
+    hold_any_limbs("QZCICalcNumMod", true, [](const OperandPair& pair) {
+        return record_of_remainder(literal_division(remainder_division(pair.a, pair.b)), pair.a, pair.b);
     });
-    remainders.expect_all({"a result", "an error"});
 }
 
 } // namespace
