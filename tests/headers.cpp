@@ -1,0 +1,1 @@
+// Nothing of its own: a library of precompiled headers needs a source.
