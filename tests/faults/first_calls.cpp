@@ -2,6 +2,7 @@
  * what they give later. Then again and again with the kernels to be found out anew. Exit status 0: they agree,
  * 1: they do not, or the kernels were found out before. */
 #include "qzoci/limbs/limbs.h"
+#include "tests/faults/operands.h"
 #include "tests/support/calls.h"
 #include "tests/support/log_capture.h"
 
@@ -43,7 +44,7 @@ std::vector<CallEffect> effects_of_threads() {
 } // namespace
 
 int main() {
-    constexpr int rounds = 500;
+    constexpr int rounds = in_sample(500);
     if (qzoci::limbs::kernels_in_use.load() != nullptr) {
         std::puts("the kernels were found out before the first call");
         return 1;
